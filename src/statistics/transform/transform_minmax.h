@@ -1,0 +1,34 @@
+#pragma once
+
+#include "statistics/transform/transform_base.h"
+
+namespace kestrel::math::transform {
+
+/// Scales each column to [min_scaled, max_scaled]: x s_j + f_j forward, y / s_j + b_j backward. A column whose range
+/// is at or below (|max| + |min|) x 1e-12 counts as constant and keeps the factor 1.
+class TransMinMax final : public Transform {
+ public:
+  TransMinMax() = default;
+  TransMinMax(double min_scaled, double max_scaled) : min_scaled_(min_scaled), max_scaled_(max_scaled) {}
+
+  /// Raises std::runtime_error "At least two points are required." below two rows or one column.
+  bool Build(const MatrixIn& data) override;
+  Matrix ScaleForward(const MatrixIn& data) const override;
+  Matrix ScaleBackward(const MatrixIn& data) const override;
+  std::vector<double> GetParameters() const override { return {min_scaled_, max_scaled_}; }
+  std::wstring Str() const override;
+  bool operator==(const Transform& other) const override;
+  std::unique_ptr<Transform> Clone() const override;
+
+  /// The fitted vectors that have exactly one element: "s , f , b " in the formats "%1% " and ", %1% ".
+  std::wstring ParameterStr() const;
+
+ private:
+  double min_scaled_ = 0.0;
+  double max_scaled_ = 1.0;
+  Vector scaling_;
+  Vector offset_forward_;
+  Vector offset_backward_;
+};
+
+}  // namespace kestrel::math::transform
