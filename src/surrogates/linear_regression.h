@@ -1,0 +1,68 @@
+#pragma once
+
+#include "surrogates/linear_regression_settings.h"
+#include "surrogates/solve_coefficients.h"
+#include "surrogates/surrogate2_base.h"
+
+namespace kestrel::math::metamodel {
+
+/// Polynomial regression by weighted least squares on a basis chosen term by term, optionally on values transformed by
+/// Box and Cox.
+///
+/// One object serves many candidates on the same sample: after `Initialize` with other settings only what depends on
+/// them is computed anew; basis and factorisation stay while the term set stays.
+class LinearRegression final : public SurrogateBase {
+ public:
+  LinearRegression(const MatrixIn& points, const VectorIn& values, const VectorIn& weights = Vector());
+
+  /// False if there are more coefficients than samples.
+  bool Build() override;
+  /// True if there are at least as many samples as coefficients and the normal matrix has full rank.
+  bool CheckBeforeBuild() override;
+  bool CheckAfterBuild() const override;
+  using SurrogateBase::Approximate;
+  Vector Approximate(const MatrixIn& points) const override;
+  Vector Approximate() const override;
+  /// Closed form z - e / (1 - h) with the leverages h, on the scale of the fit. A leverage of 1 gives infinity or NaN.
+  Vector ApproximateLeaveOneOut() const override;
+  using SurrogateBase::ApproximateCrossValidation;
+  /// A refit per subset; the closed form of `ApproximateLeaveOneOut` for an empty vector.
+  Vector ApproximateCrossValidation(const Subsets& subsets) const override;
+  using SurrogateBase::BuildOptimal;
+  bool BuildOptimal(const Subsets& subsets) override;
+  /// Fits with the best of 42 Box-Cox transformations: all exponents 1/t of a table, on the values scaled to
+  /// [0.1, 10.1] and on the values mirrored, by the least root mean squared difference in units of the response.
+  virtual bool BuildOptimalBoxCox();
+
+  using SurrogateBase::Name;
+  std::wstring Name(bool short_name) const override;
+  std::wstring Str() const override;
+  Selection GetVariableSelection() const override { return settings_.GetVariableSelection(); }
+  std::uint64_t GetNumberCoefficients() const override { return settings_.GetNumberCoefficients(); }
+  /// The polynomial as a text in the inputs' original units; names given, else those of the settings, else X1, X2, ...
+  std::wstring GetFunctionStr(const std::vector<std::wstring>& input_names) const override;
+  const LinearRegressionSettings& GetSettingsBase() const override { return settings_; }
+  bool operator==(const SurrogateBase& other) const override;
+  std::unique_ptr<SurrogateBase> Clone() const override;
+
+  const Vector& GetCoefficients() const { return coefficients_; }
+
+ protected:
+  void InitializeImpl(const SurrogateSettingsBase& settings) override;
+
+ private:
+  bool HasEnoughPoints() const;
+  /// Makes `coefficient_matrix_` and `normal_equations_` unless they stand.
+  void PrepareBasis();
+  Vector Solve(const VectorIn& values_transformed) const;
+  void FinishBuild();
+  bool BuildFallBackBoxCox();
+  void RequireBuilt(const wchar_t* message) const;
+
+  Vector coefficients_;         ///< in basis order
+  Matrix coefficient_matrix_;   ///< the basis at the support points, N x m
+  NormalEquations normal_equations_;
+  LinearRegressionSettings settings_;
+};
+
+}  // namespace kestrel::math::metamodel
