@@ -1,11 +1,13 @@
 #pragma once
 
 #include <cstddef>
+#include <filesystem>
 #include <fstream>
 #include <memory>
 #include <mutex>
 #include <ostream>
 #include <sstream>
+#include <streambuf>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -168,6 +170,36 @@ class BasicStreamLog : public templates::BasicStreamLog<wchar_t> {
  public:
   BasicStreamLog(std::wostream& errors, std::wostream& others) : templates::BasicStreamLog<wchar_t>(errors, others) {}
   explicit BasicStreamLog(std::wostream& stream) : templates::BasicStreamLog<wchar_t>(stream, stream) {}
+};
+
+namespace detail {
+
+/// A wide output stream on a UTF-8 file, whatever the locale; zero characters are left out.
+class Utf8FileStream : private std::wstreambuf, public std::wostream {
+ public:
+  using traits_type = std::char_traits<wchar_t>;
+  using int_type = traits_type::int_type;
+
+  /// Raises `utils::runtime_error` if the file cannot be opened for writing.
+  Utf8FileStream(const std::filesystem::path& path, bool append);
+
+ private:
+  int_type overflow(int_type character) override;
+  std::streamsize xsputn(const wchar_t* text, std::streamsize count) override;
+  int sync() override;
+
+  std::ofstream file_;
+};
+
+}  // namespace detail
+
+/// The form on a UTF-8 file that takes all levels.
+class BasicFileStreamLog : private detail::Utf8FileStream, public templates::BasicStreamLog<wchar_t> {
+ public:
+  /// Raises `utils::runtime_error` if the file cannot be opened for writing.
+  /// @param append          keeps what the file holds and writes behind it; otherwise the file starts empty.
+  /// @param create_folders  makes the missing folders of the path.
+  explicit BasicFileStreamLog(const std::filesystem::path& path, bool append = false, bool create_folders = false);
 };
 
 extern template class templates::BasicStreamLog<wchar_t>;

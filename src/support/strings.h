@@ -15,7 +15,8 @@ enum class EUTF8ConversionErrorMode : int { kSkip = 0, kReplace = 1, kThrow = 2 
 constexpr wchar_t kReplacementCharacter = L'\uFFFD';
 
 /// UTF-8 to wide. Stops quietly at a zero character. Overlong forms, surrogates and values above U+10FFFF are bad.
-std::wstring from_utf8(std::string_view text, EUTF8ConversionErrorMode mode, wchar_t replacement = kReplacementCharacter);
+std::wstring from_utf8(std::string_view text, EUTF8ConversionErrorMode mode,
+                       wchar_t replacement = kReplacementCharacter);
 
 /// Wide to UTF-8. Stops quietly at a zero character. Surrogates and values above U+10FFFF are bad.
 std::string to_utf8(std::wstring_view text, EUTF8ConversionErrorMode mode, wchar_t replacement = kReplacementCharacter);
@@ -49,9 +50,10 @@ class basic_ostringstream : private std::basic_streambuf<Char>, public std::basi
 namespace detail {
 
 /// True if the name may be given to an input or an output: a letter or '_', then letters, digits, '_', ''' or '.',
-/// and not one of the reserved words of the expression language ("if" in any case among them). Never throws.
-/// @param as_object  the name is tested as the name of an object (a variable).
-bool CheckVariableNameDefault(std::wstring_view name, bool as_object) noexcept;
+/// and not the word "if" in any case. Letters and digits are those of the process locale's `iswalpha` and `iswalnum`:
+/// in the C locale, in which a program starts, only the ASCII ones count. Never throws.
+/// @param strict  also refuses the reserved words of the expression language (`PI`, `LINEAR`, ...), in this case only.
+bool CheckVariableNameDefault(std::wstring_view name, bool strict) noexcept;
 
 }  // namespace detail
 }  // namespace kestrel::string
