@@ -17,8 +17,7 @@ void Report(const std::wstring& message);
 template <class First, class Second, class... Rest>
 void Report(const First& first, const Second& second, const Rest&... rest) {
   std::wostringstream text;
-  text << first << second;
-  (text << ... << rest);
+  ((text << first << second) << ... << rest);
   Report(text.str());
 }
 
