@@ -12,15 +12,24 @@ function(zor_add_folder name)
   target_link_libraries(zor_${name} PRIVATE zor_warnings PUBLIC ${ARG_USES})
 endfunction()
 
-# zor_add_test(name SOURCES a_test.cpp ... USES targets ...)
-# One test program of GoogleTest cases, each of them a CTest test.
+# zor_add_test(name SOURCES a_test.cpp ... USES targets ... [THREADS pattern])
+# One test program of GoogleTest cases, each of them a CTest test. Cases that match THREADS, a GoogleTest filter such
+# as TaskPool.*:StreamLog.*, get the label `threads`: they run under the thread sanitizer, too.
 function(zor_add_test name)
-  cmake_parse_arguments(ARG "" "" "SOURCES;USES" ${ARGN})
+  cmake_parse_arguments(ARG "" "THREADS" "SOURCES;USES" ${ARGN})
   add_executable(${name}_test ${ARG_SOURCES})
   target_include_directories(${name}_test PRIVATE ${PROJECT_SOURCE_DIR}/tests)
   target_link_libraries(${name}_test PRIVATE
     zor_warnings ${ARG_USES} rapidcheck GTest::gmock GTest::gtest GTest::gtest_main)
-  gtest_discover_tests(${name}_test DISCOVERY_MODE PRE_TEST PROPERTIES TIMEOUT 600)
+  set(discovery DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60)
+  if(ARG_THREADS)
+    gtest_discover_tests(${name}_test ${discovery} TEST_FILTER ${ARG_THREADS} TEST_LIST ${name}_thread_tests
+      PROPERTIES TIMEOUT 600 LABELS threads)
+    set_property(GLOBAL APPEND PROPERTY ZOR_THREAD_TESTS ${name}_test)
+    gtest_discover_tests(${name}_test ${discovery} TEST_FILTER -${ARG_THREADS} PROPERTIES TIMEOUT 600)
+  else()
+    gtest_discover_tests(${name}_test ${discovery} PROPERTIES TIMEOUT 600)
+  endif()
 endfunction()
 
 # zor_add_bench(name SOURCES a_bench.cpp ... USES targets ...)
