@@ -33,8 +33,8 @@
  * the built model" makes the handle not built, whatever it returns later on; calls that need a model then return
  * `zor_not_built`. Functions that do not say so leave the model alone.
  *
- * Threads. Separate handles may be used on separate threads at will. The calls on one handle are to be serialised by the
- * caller. A build uses threads of its own, which have ended when it returns.
+ * Threads. Separate handles may be used on separate threads at will. The calls on one handle are to be serialised by
+ * the caller. A build uses threads of its own, which have ended when it returns.
  */
 
 #include <stddef.h>
@@ -207,8 +207,8 @@ ZOR_API uint32_t zor_get_use_model_type(zor_handle_t handle, const char* name, u
  * Options
  *
  * Every option has a setter and a getter. A setter drops the built model, even if the value does not change. A flag is
- * zor_true or zor_false; any other value is refused with zor_unknown_input_enum, and then the built model and the stored
- * value stay. Numbers are stored as they are; a value that is out of its range is refused by the build, with
+ * zor_true or zor_false; any other value is refused with zor_unknown_input_enum, and then the built model and the
+ * stored value stay. Numbers are stored as they are; a value that is out of its range is refused by the build, with
  * zor_settings_check_failed. The default, which a new handle has, stands in brackets.
  * --------------------------------------------------------------------------------------------------------------- */
 
@@ -348,7 +348,8 @@ ZOR_API uint32_t zor_get_use_adj_cop(zor_handle_t handle, uint32_t* value);
  * Finds the best model of every output. Drops the built model first: a build that fails leaves none.
  *
  * Inputs must be finite numbers. A design whose value of an output is NaN or infinite is left out of the model of that
- * output alone. At least two designs are needed. The same calls in the same order give the same models in every process.
+ * output alone. At least two designs are needed. The same calls in the same order give the same models in every
+ * process.
  * @param samples  designs x (inputs + outputs), the inputs first.
  * @param designs  number of rows.
  * @return zor_settings_check_failed if an option is out of its range; the last error has one line per fault.
