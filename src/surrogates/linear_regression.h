@@ -52,15 +52,19 @@ class LinearRegression final : public SurrogateBase {
 
  private:
   bool HasEnoughPoints() const;
-  /// Makes `coefficient_matrix_` and `normal_equations_` unless they stand.
+  void DropBasis();
+  /// Makes `coefficient_matrix_` unless it stands for the coordinates and terms in force.
   void PrepareBasis();
-  Vector Solve(const VectorIn& values_transformed) const;
-  void FinishBuild();
-  bool BuildFallBackBoxCox();
+  /// The same for the factorised normal equations.
+  const NormalEquations& PrepareNormalEquations();
+  /// Solves for the coefficients, writes the parameters of the transformations to the settings, marks as built.
+  void SolveAndFinish();
+  /// Fits on values transformed with the given exponent and range.
+  bool BuildBoxCox(const std::vector<double>& parameters);
   void RequireBuilt(const wchar_t* message) const;
 
-  Vector coefficients_;         ///< in basis order
-  Matrix coefficient_matrix_;   ///< the basis at the support points, N x m
+  Vector coefficients_;        ///< in basis order
+  Matrix coefficient_matrix_;  ///< the basis at the support points, N x m; empty until needed
   NormalEquations normal_equations_;
   LinearRegressionSettings settings_;
 };

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <Eigen/Cholesky>
+#include <cstdint>
+#include <vector>
 
 #include "support/linear_algebra.h"
 

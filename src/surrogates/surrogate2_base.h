@@ -117,7 +117,10 @@ class SurrogateBase {
 
   bool AnyTransformNeedsBuild() const;
   void DropResults();
-  void RequireInputCount(const MatrixIn& points, const wchar_t* what) const;
+  /// True while the transformed support points that the last build used are still theirs.
+  bool CoordinatesStand() const;
+  /// Reports another number of columns than that of the support points; false where the report did not raise.
+  bool CheckInputCount(const MatrixIn& points, const wchar_t* what) const;
   void RequireSample() const;
 
   Matrix points_;
@@ -138,9 +141,15 @@ class SurrogateBase {
  private:
   bool HasResiduals() const { return values_.size() > 0 && residuals_.size() == values_.size(); }
   void RequireBuiltForErrors();
+  /// Columns 0 to 3 of `ApproximateErrors`. @param query  transformed and reduced points.  @param total  sum of squares
+  /// of the values around their mean.
+  void FillLocalErrors(const MatrixIn& query, double total, Matrix& errors) const;
 
   Matrix points_transformed_;  ///< `points_` by `trans_coord_`; empty until first needed
 };
+
+/// What a call returns behind a report that did not raise: NaN.
+Matrix NoValues(Index rows, Index columns = 1);
 
 /// The columns of `points` whose bit is set, in ascending order; the matrix as it stands if as many bits are set as it
 /// has columns, or if it has none.

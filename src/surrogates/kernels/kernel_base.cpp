@@ -1,0 +1,48 @@
+#include "surrogates/kernels/kernel_base.h"
+
+#include <stdexcept>
+
+#include "surrogates/kernels/kernel_constant_influence.h"
+#include "surrogates/kernels/kernel_nodal_influence.h"
+
+namespace kestrel::math::metamodel {
+namespace {
+
+template <class Concrete>
+std::unique_ptr<KernelBase> Make(const VectorIn& parameters) {
+  if (parameters.size() == 0) return std::make_unique<Concrete>();
+  return std::make_unique<Concrete>(parameters);
+}
+
+}  // namespace
+
+Vector KernelBase::EvaluateDistances(const VectorIn& /*squared_distances*/) const {
+  throw std::domain_error("EvaluateDistances works only for isotropic kernels");
+}
+
+double KernelBase::EvaluateDistance(double /*squared_distance*/) const {
+  throw std::domain_error("EvaluateDistance works only for isotropic kernels");
+}
+
+void KernelBase::SetParameters(const VectorIn& parameters) {
+  if (IsWeight() && static_cast<std::uint64_t>(parameters.size()) != GetNumParameters()) {
+    throw std::domain_error("Kernel: Invalid size of parameter vector");
+  }
+  parameters_ = parameters;
+}
+
+void KernelBase::RequireParameters(const VectorIn& parameters) {
+  if (parameters.size() == 0) throw std::domain_error("KernelConstInflExp: undefined parameter");
+}
+
+std::unique_ptr<KernelBase> CreateKernel(Kernel::eType type, const VectorIn& parameters) {
+  switch (type) {
+    case Kernel::kConstInflExp: return Make<KernelConstInflExp>(parameters);
+    case Kernel::kConstInflIsoExp: return Make<KernelConstInflIsoExp>(parameters);
+    case Kernel::kConstInflIsoReg: return Make<KernelConstInflIsoReg>(parameters);
+    case Kernel::kNodalInflExp: return Make<KernelNodalInflExp>(parameters);
+  }
+  throw std::logic_error("Unknown kernel type.");
+}
+
+}  // namespace kestrel::math::metamodel

@@ -1,0 +1,101 @@
+#include "surrogates/kernels/kernel_constant_influence.h"
+
+#include <algorithm>
+#include <stdexcept>
+
+namespace kestrel::math::metamodel {
+namespace {
+
+/// 1 / sqrt(-ln(0.001)): with it exp(-(r / (d c))^2) is 0.001 at r = d.
+constexpr double kRadiusFactor = 0.3804797331016252;
+
+double ExponentialTerm(double radius) { return -1.0 / (radius * radius * kRadiusFactor * kRadiusFactor); }
+
+template <class Concrete>
+std::unique_ptr<KernelBase> CloneOf(const Vector& parameters) {
+  if (parameters.size() == 0) return std::make_unique<Concrete>();
+  return std::make_unique<Concrete>(parameters);
+}
+
+}  // namespace
+
+Vector KernelConstInfl::EvaluatePoint(const VectorIn& point, const MatrixIn& support_points) const {
+  Vector values(support_points.rows());
+  Vector difference(point.size());
+  for (Index i = support_points.rows() - 1; i >= 0; --i) {
+    difference = point - support_points.row(i).transpose();
+    values[i] = CalculateKernelFromDiffVec(difference);
+  }
+  return values;
+}
+
+KernelConstInflExp::KernelConstInflExp(const VectorIn& parameters) { SetParameters(parameters); }
+
+double KernelConstInflExp::CalculateKernelFromDiffVec(const VectorIn& difference) const {
+  if (difference.size() != helper_term_.size()) return 1.0;  // the sum over no terms
+  return std::exp(helper_term_.dot(difference.cwiseAbs2()));
+}
+
+std::unique_ptr<KernelBase> KernelConstInflExp::clone() const { return CloneOf<KernelConstInflExp>(parameters_); }
+
+void KernelConstInflExp::SetParameters(const VectorIn& parameters) {
+  RequireParameters(parameters);
+  if (!(parameters.minCoeff() > 0.0)) {
+    throw std::domain_error("KernelConstInflExp: parameter must be greater zero");
+  }
+  // One radius per input: the first parameters set the count that later ones must keep.
+  if (parameters_.size() == 0) parameters_ = parameters;
+  KernelBase::SetParameters(parameters);
+  helper_term_ = parameters.unaryExpr(&ExponentialTerm);
+}
+
+double KernelConstInflIso::CalculateKernelFromDiffVec(const VectorIn& difference) const {
+  return CalculateKernelFromDistance(difference.squaredNorm());
+}
+
+Vector KernelConstInflIso::EvaluateDistances(const VectorIn& squared_distances) const {
+  Vector values(squared_distances.size());
+  for (Index i = squared_distances.size() - 1; i >= 0; --i) {
+    values[i] = CalculateKernelFromDistance(squared_distances[i]);
+  }
+  return values;
+}
+
+double KernelConstInflIso::EvaluateDistance(double squared_distance) const {
+  return CalculateKernelFromDistance(squared_distance);
+}
+
+KernelConstInflIsoExp::KernelConstInflIsoExp(const VectorIn& parameters) { SetParameters(parameters); }
+
+double KernelConstInflIsoExp::CalculateKernelFromDistance(double squared_distance) const {
+  return std::exp(helper_term_ * squared_distance);
+}
+
+std::unique_ptr<KernelBase> KernelConstInflIsoExp::clone() const { return CloneOf<KernelConstInflIsoExp>(parameters_); }
+
+void KernelConstInflIsoExp::SetParameters(const VectorIn& parameters) {
+  RequireParameters(parameters);
+  if (!(parameters[0] > 0.0)) throw std::domain_error("KernelConstInflIsoExp: parameter must be greater zero");
+  KernelBase::SetParameters(parameters);
+  helper_term_ = ExponentialTerm(parameters[0]);
+}
+
+KernelConstInflIsoReg::KernelConstInflIsoReg(const VectorIn& parameters) { SetParameters(parameters); }
+
+double KernelConstInflIsoReg::CalculateKernelFromDistance(double squared_distance) const {
+  return std::max(0.0, std::pow(squared_distance / D_squared_ + epsilon_, -m_) - helper_term_);
+}
+
+std::unique_ptr<KernelBase> KernelConstInflIsoReg::clone() const { return CloneOf<KernelConstInflIsoReg>(parameters_); }
+
+void KernelConstInflIsoReg::SetParameters(const VectorIn& parameters) {
+  RequireParameters(parameters);
+  if (!(parameters[0] > 0.0)) throw std::domain_error("KernelConstInflIsoReg: parameter must be greater zero");
+  KernelBase::SetParameters(parameters);
+  epsilon_ = 1e-5;
+  m_ = 2.0;
+  D_squared_ = parameters[0] * parameters[0];
+  helper_term_ = 0.9999800002999959;  // (1 + epsilon)^-m
+}
+
+}  // namespace kestrel::math::metamodel

@@ -1,0 +1,39 @@
+#include "surrogates/kernels/kernel_nodal_influence.h"
+
+#include <algorithm>
+#include <stdexcept>
+
+namespace kestrel::math::metamodel {
+
+Vector KernelNodalInfl::EvaluatePoint(const VectorIn& point, const MatrixIn& support_points) const {
+  Vector squared_distances = Vector::Zero(support_points.rows());
+  for (Index j = 0; j < support_points.cols(); ++j) {
+    squared_distances.array() += (support_points.col(j).array() - point[j]).square();
+  }
+  return EvaluateDistances(squared_distances);
+}
+
+KernelNodalInflExp::KernelNodalInflExp(const VectorIn& parameters) { SetParameters(parameters); }
+
+Vector KernelNodalInflExp::EvaluateDistances(const VectorIn& squared_distances) const {
+  if (squared_distances.size() == 0) return Vector();
+  const auto count = static_cast<double>(squared_distances.size());
+  const auto k = static_cast<Index>(std::min(count, std::floor(parameters_[0])));
+  Vector sorted = squared_distances;
+  std::nth_element(sorted.data(), sorted.data() + (k - 1), sorted.data() + sorted.size());
+  return (squared_distances.array() * helper_term_ / sorted[k - 1]).exp();
+}
+
+std::unique_ptr<KernelBase> KernelNodalInflExp::clone() const {
+  if (parameters_.size() == 0) return std::make_unique<KernelNodalInflExp>();
+  return std::make_unique<KernelNodalInflExp>(parameters_);
+}
+
+void KernelNodalInflExp::SetParameters(const VectorIn& parameters) {
+  RequireParameters(parameters);
+  if (!(parameters[0] >= 1.0)) throw std::domain_error("KernelNodalInflExp: parameter must be greater or equal one");
+  KernelBase::SetParameters(parameters);
+  helper_term_ = -6.907755278982138;  // ln(0.001)
+}
+
+}  // namespace kestrel::math::metamodel
