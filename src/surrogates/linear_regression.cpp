@@ -46,7 +46,7 @@ void LinearRegression::InitializeImpl(const SurrogateSettingsBase& settings) {
 
 void LinearRegression::DropBasis() {
   coefficient_matrix_.resize(0, 0);
-  normal_equations_ = NormalEquations();
+  normal_equations_.reset();
 }
 
 void LinearRegression::PrepareBasis() {
@@ -60,8 +60,8 @@ void LinearRegression::PrepareBasis() {
 
 const NormalEquations& LinearRegression::PrepareNormalEquations() {
   PrepareBasis();
-  if (normal_equations_.Empty()) normal_equations_ = NormalEquations(coefficient_matrix_, weights_);
-  return normal_equations_;
+  if (!normal_equations_) normal_equations_.emplace(coefficient_matrix_, weights_);
+  return *normal_equations_;
 }
 
 bool LinearRegression::HasEnoughPoints() const {
@@ -132,9 +132,9 @@ Vector LinearRegression::ApproximateLeaveOneOut() const {
   if (need_build_) return NoValues(points_.rows());
   const Vector values = ForwardValues();
   const Vector residuals = values - coefficient_matrix_ * coefficients_;
-  const NormalEquations equations =
-      normal_equations_.Empty() ? NormalEquations(coefficient_matrix_, weights_) : normal_equations_;
-  const Vector leverages = equations.Leverages(coefficient_matrix_, weights_);
+  const Vector leverages = normal_equations_
+                               ? normal_equations_->Leverages(coefficient_matrix_, weights_)
+                               : NormalEquations(coefficient_matrix_, weights_).Leverages(coefficient_matrix_, weights_);
   return TransformBack(values.array() - residuals.array() / (1.0 - leverages.array()));
 }
 

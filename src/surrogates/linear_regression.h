@@ -1,5 +1,7 @@
 #pragma once
 
+#include <optional>
+
 #include "surrogates/linear_regression_settings.h"
 #include "surrogates/solve_coefficients.h"
 #include "surrogates/surrogate2_base.h"
@@ -65,7 +67,7 @@ class LinearRegression final : public SurrogateBase {
 
   Vector coefficients_;        ///< in basis order
   Matrix coefficient_matrix_;  ///< the basis at the support points, N x m; empty until needed
-  NormalEquations normal_equations_;
+  std::optional<NormalEquations> normal_equations_;
   LinearRegressionSettings settings_;
 };
 

@@ -20,11 +20,7 @@ Matrix NormalMatrix(const MatrixIn& P, const VectorIn& weights);
 /// The normal equations of a basis, factorised once for any number of right-hand sides.
 class NormalEquations {
  public:
-  NormalEquations() = default;
-  /// Keeps no reference to its arguments but the size.
   NormalEquations(const MatrixIn& P, const VectorIn& weights);
-
-  bool Empty() const { return factor_.rows() == 0; }
 
   /// Solves A C = B for all columns of B.
   Matrix Solve(const MatrixIn& right_hand_sides) const;
