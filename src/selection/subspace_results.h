@@ -1,9 +1,12 @@
 #pragma once
 
 #include <boost/thread/shared_mutex.hpp>
+#include <cstdint>
 #include <map>
 #include <memory>
 #include <string>
+#include <tuple>
+#include <typeindex>
 #include <vector>
 
 #include "support/linear_algebra.h"
@@ -15,6 +18,13 @@ namespace ModelType {
 /// The class of a candidate; 4 and 5 are further kinds without a build path.
 enum eModelType : std::int32_t { kNone = 0, kPolynomial = 1, kMLS = 2, kKriging = 3, kASCMO = 4, kCustom = 5 };
 }  // namespace ModelType
+
+/// What tells one candidate from another, as a value to look up: model class, kind of settings, variable selection,
+/// order, kernel type, main terms, interactions, and the kinds of the coordinate, value and limit transformation.
+using CandidateKey = std::tuple<ModelType::eModelType, std::type_index, Selection, std::uint64_t, std::int32_t, Selection,
+                                Selection, eTransformation, eTransformation, eTransformation>;
+
+CandidateKey MakeCandidateKey(ModelType::eModelType type, const SurrogateSettingsBase& settings);
 
 /// The record of one evaluated candidate: model class, settings and measures.
 struct SubspaceResults {
@@ -34,8 +44,7 @@ struct SubspaceResults {
   SubspaceResults(SubspaceResults&&) = default;
   SubspaceResults& operator=(SubspaceResults&&) = default;
 
-  /// True if both have settings of the same kind that agree in variable selection, order, kernel type, main terms,
-  /// interactions and the kinds of the transformations.
+  /// True if both have settings and these have the same `CandidateKey`. Fitted parameters are not compared.
   bool CompareSettings(const SubspaceResults& other) const;
   bool CompareSettings(ModelType::eModelType type, const SurrogateSettingsBase& settings) const;
 
