@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+#include "selection/candidate_ranking.h"
+#include "selection/search_context.h"
 #include "selection/subspace_results.h"
 #include "selection/zor2_settings.h"
 #include "statistics/random.h"
@@ -17,26 +19,10 @@ namespace kestrel::math::metamodel {
 
 using ProgressCallable = std::function<void(float)>;
 
+class ModelSearch;
+
 /// Reports nothing.
 void DefaultProgressCallable(float fraction);
-
-/// What the model searches of one response share: the sample, what was found out about it once, the settings, and the
-/// services of the task. Filled by `Zor`, read by the filters and searches.
-struct SearchContext {
-  Matrix inputs;      ///< N x n, one row per sample
-  Vector response;    ///< length N
-  ZORSettings settings;
-  IndexVector importance;    ///< working copy of the importance, length n
-  IndexVector level_counts;  ///< distinct values minus one, length n
-  Subsets subsets;           ///< cross-validation subset of each sample; empty: leave one out
-  std::uint64_t largest_subset = 0;  ///< samples in the largest subset; 0 where `subsets` is empty
-  std::vector<std::wstring> input_names;
-  std::wstring response_name;
-  std::shared_ptr<utils::log::LogBase> log;
-  std::shared_ptr<utils::StopHelper> stop_helper;
-
-  void CheckInterrupted() const { utils::CheckInterrupted(stop_helper.get()); }
-};
 
 /// Finds the best metamodel of one response: `BuildSubspaces` turns the sample into candidate subspaces of the inputs,
 /// `EvaluateMetamodels` lets the model classes compete on them. One object per response, used by one thread.
@@ -53,7 +39,9 @@ class Zor {
   void SetInfoImportant(std::vector<std::uint64_t> importance);
   void SetLog(std::shared_ptr<utils::log::LogBase> log);
   void SetStopHelper(std::shared_ptr<utils::StopHelper> helper) { context_.stop_helper = std::move(helper); }
-  void SetSubspaceResultContainer(std::shared_ptr<SubspaceResultContainer> container) { container_ = std::move(container); }
+  void SetSubspaceResultContainer(std::shared_ptr<SubspaceResultContainer> container) {
+    context_.container = std::move(container);
+  }
   void SetProgressCallable(ProgressCallable progress) { progress_ = std::move(progress); }
   /// The stream from which the random subsets and the Sobol samples are drawn.
   void SetGenerator(const random::Generator& generator) { generator_ = generator; }
@@ -75,15 +63,19 @@ class Zor {
   std::vector<bool> GetActiveInputs() const;
 
  private:
-  void AppendResults(const SubspaceResults& result);
+  /// What is decided once for all model classes: cross-validation subsets and level counts.
+  void PrepareEvaluation();
   void PrepareSubsets();
+  void RunSearch(ModelSearch& search);
+  /// The result without a model: the plain default regression, CoP 0.
+  SubspaceResults NoModel() const;
+  /// The surrogate of the best result, built, without its errors.
+  std::unique_ptr<SurrogateBase> BuildBest() const;
 
   SearchContext context_;
   IndexMatrix subspaces_;  ///< n x number of subspaces, one column per subspace
-  std::vector<SubspaceResults> best_subspaces_;          ///< the best result of each complexity, over all classes
-  std::vector<SubspaceResults> best_reduced_subspaces_;  ///< what `FindBestMetamodel` ranks
+  CandidateRanking ranking_;
   SubspaceResults best_result_;
-  std::shared_ptr<SubspaceResultContainer> container_;
   ProgressCallable progress_ = DefaultProgressCallable;
   random::Generator generator_;
 };
