@@ -68,7 +68,10 @@ class ZORCombinedSettings {
   void SetZORData(ZORData data) { data_ = std::move(data); }
   const std::map<std::wstring, std::uint64_t>& GetParameterImportance() const { return data_.parameter_importance_; }
   const std::map<std::wstring, bool>& GetResponsesUsage() const { return data_.responses_usage_; }
+  bool ShowPP() const { return show_pp_; }
+  /// Of the predictions of every response; infinite where there is none.
   std::pair<double, double> GetLimits() const { return limits_; }
+  void SetLimits(std::pair<double, double> limits) { limits_ = limits; }
 
   /// `num_parallel_` of the level in force; 0 for the classic level.
   std::uint64_t NumResponsesParallel() const;

@@ -22,7 +22,7 @@ class ZorTask {
  public:
   /// What a task needs, by value unless it is shared with the handler.
   struct ZorRequest {
-    math::Matrix inputs;  ///< N x n, one row per design
+    std::shared_ptr<const math::Matrix> inputs;  ///< N x n, one row per design; one table for all tasks that wait
     math::Vector output;  ///< length N; entries that are not finite are dropped
     std::vector<std::uint64_t> important_info;
     math::metamodel::ZORSettings settings;
@@ -53,6 +53,7 @@ class ZorTask {
 
  private:
   void Run();
+  math::metamodel::Zor ConstructZOR();
   void InitializeZOR(math::metamodel::Zor& zor) const;
   void CheckStopRequested() const;
 

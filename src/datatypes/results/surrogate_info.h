@@ -39,7 +39,8 @@ using CVIndexes = std::map<std::wstring, math::metamodel::Subsets>;
 /// The surrogates of a run, in the order of its responses.
 class SurrogateInfoContainer {
  public:
-  void AddSurrogateInfo(SurrogateInfo info) { infos_.push_back(std::move(info)); }
+  /// The component names are all different.
+  void AddSurrogateInfo(SurrogateInfo info);
   const std::vector<SurrogateInfo>& GetInfos() const { return infos_; }
   bool empty() const { return infos_.empty(); }
 
@@ -49,12 +50,15 @@ class SurrogateInfoContainer {
   /// False, with the surrogates' own log lines, if one of them cannot be used in this process.
   bool CheckSurrogatesAvailability(utils::log::LogBase& log) const;
   void SetLog(const std::shared_ptr<utils::log::LogBase>& log) const;
-  /// Build what is not built yet, then the error estimates, with the subsets of each response.
+  /// Builds what is not built yet, with the subsets of each response. A response without an entry raises the standard
+  /// "map::at", here and below.
   void Build(const CVIndexes& cv_indexes) const;
+  /// The same for the error estimates.
   void BuildErrors(const CVIndexes& cv_indexes) const;
 
  private:
   std::vector<SurrogateInfo> infos_;
+  std::map<std::wstring, std::size_t> positions_;  ///< in `infos_`, by component name
 };
 
 /// What a metamodel run leaves: the models and what evaluating them needs.
@@ -62,6 +66,7 @@ struct ZORInformation {
   std::vector<std::wstring> parameter_names_;
   std::vector<std::wstring> response_names_;
   std::vector<std::pair<double, double>> sampling_limits_;  ///< smallest and largest sampled value of each parameter
+  std::vector<std::pair<double, double>> defined_limits_;   ///< lower and upper bound of each parameter
   SurrogateInfoContainer surrogate_infos_;
   CVIndexes cv_indexes_;
 };
