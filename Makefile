@@ -1,0 +1,38 @@
+# A thin front onto CMake and CTest. CMakePresets.json has the presets, out/<preset> the build trees.
+PREFIX ?= /usr/local
+
+.PHONY: demo check sanitize bench install clean format
+
+# Builds the program and the examples and shows what they do.
+demo:
+	@scripts/build.sh release tools/zor/all examples/all
+	@examples/demo.sh out/release
+
+# Builds everything and runs all tests.
+check:
+	@scripts/check.sh release
+
+# All tests under the address, leak and undefined behaviour sanitizers, then the thread tests under the thread sanitizer.
+sanitize:
+	@scripts/check.sh asan-ubsan
+	@scripts/check.sh tsan
+
+# Runs the benchmarks; `make bench FILTER=Kriging` only those that match.
+bench:
+	@scripts/build.sh release bench/all
+	@for program in out/release/bench/*_bench; do $$program --benchmark_filter='$(FILTER)'; done
+
+# Installs to PREFIX (below DESTDIR if set), with a second build of the library for processors with AVX2 and FMA.
+install:
+	@scripts/build.sh release
+	@scripts/build.sh release-v3
+	@cmake --install out/release --prefix $(PREFIX)
+	@cmake --install out/release-v3 --prefix $(PREFIX)
+	@if [ -z "$(DESTDIR)" ] && [ "$$(id -u)" = 0 ]; then ldconfig; fi
+
+clean:
+	@rm -rf out
+
+# Lays the sources out by .clang-format.
+format:
+	@git ls-files '*.h' '*.c' '*.cpp' '*.inc' | xargs clang-format -i
