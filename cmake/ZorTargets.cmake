@@ -1,7 +1,4 @@
-# Warnings are errors on our own code; headers of other packages are SYSTEM and stay silent.
-add_library(zor_warnings INTERFACE)
-target_compile_options(zor_warnings INTERFACE
-  -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wmissing-declarations -Werror)
+include_guard()
 
 # zor_add_folder(name SOURCES a.cpp ... USES lower folders and packages ...)
 # One folder of src/ as a static library zor_<name>; what it may include is what it USES.
@@ -19,8 +16,6 @@ function(zor_add_test name)
   cmake_parse_arguments(ARG "" "THREADS" "SOURCES;USES" ${ARGN})
   add_executable(${name}_test ${ARG_SOURCES})
   target_include_directories(${name}_test PRIVATE ${PROJECT_SOURCE_DIR}/tests)
-  # Clang objects to the macros of GoogleTest where a suite is declared without a name generator.
-  target_compile_options(${name}_test PRIVATE $<$<CXX_COMPILER_ID:Clang>:-Wno-gnu-zero-variadic-macro-arguments>)
   target_link_libraries(${name}_test PRIVATE
     zor_warnings ${ARG_USES} rapidcheck GTest::gmock GTest::gtest GTest::gtest_main)
   set(discovery DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60)
