@@ -2,6 +2,7 @@
 
 #include <Eigen/LU>
 #include <algorithm>
+#include <limits>
 #include <numeric>
 
 #include "statistics/basic_statistics.h"
@@ -114,7 +115,8 @@ bool NormalEquations::HasFullRank() const {
   // For a positive definite A the full-pivot search ends on the diagonal, and no pivot falls below 1 / |A^-1|. So a
   // condition estimate far from the threshold settles the question without a second factorisation.
   constexpr double kClearlyRegular = 1e-10;
-  if (factor_.info() == Eigen::Success && factor_.isPositive() && factor_.rcond() > kClearlyRegular) return true;
+  const bool every_pivot_counts = factor_.vectorD().minCoeff() > std::numeric_limits<double>::min();
+  if (every_pivot_counts && factor_.rcond() > kClearlyRegular) return true;
   const Matrix full = normal_.selfadjointView<Eigen::Lower>();
   return Eigen::FullPivLU<Matrix>(full).rank() == full.cols();
 }
