@@ -18,8 +18,8 @@ IndexVector SampleSplittingRandom(std::uint64_t n, std::uint64_t k, random::Gene
 
 /// Subsets that each cover the design space: samples are exchanged between subsets as long as that lowers the total
 /// potential, the sum over the pairs within a subset of 1 / (d^2 + 0.0001), d the distance of the scaled inputs.
-/// Samples are swept in ascending order; the partner with the largest fall, the first of equal ones, is taken at once; a
-/// fall counts above 1e-12 of the total. Deterministic.
+/// Samples are swept in ascending order; the partner with the largest fall, the first of equal ones, is taken at once;
+/// a fall counts above 1e-12 of the total. Deterministic.
 IndexVector SampleSplittingPotential(const MatrixIn& inputs, std::uint64_t k);
 
 }  // namespace kestrel::math::statistics

@@ -1,0 +1,18 @@
+#pragma once
+
+#include "statistics/random.h"
+#include "support/linear_algebra.h"
+
+namespace kestrel::math::doe {
+
+/// A random Latin hypercube in [-1, 1]: num_samples x num_inputs, each column a random order of the cell centres
+/// (2 c + 1 - N) / N, c = 0 .. N - 1.
+Matrix RandomLatinHypercube(Index num_samples, Index num_inputs, random::Generator& generator);
+
+/// Reorders the entries of each column of a Latin hypercube so that the correlations between the columns come close to
+/// 0: ranked Gram-Schmidt (Owen 1994, "Controlling correlations in Latin hypercube samples"). The result is the best
+/// of the sweeps by root mean square correlation and never worse than what was given. Columns beyond N - 1 cannot all
+/// be uncorrelated; the sweeps then end early.
+Matrix ReduceCorrelations(Matrix points);
+
+}  // namespace kestrel::math::doe

