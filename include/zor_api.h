@@ -345,7 +345,8 @@ ZOR_API uint32_t zor_get_use_adj_cop(zor_handle_t handle, uint32_t* value);
  * --------------------------------------------------------------------------------------------------------------- */
 
 /**
- * Finds the best model of every output. Drops the built model first: a build that fails leaves none.
+ * Finds the best model of every output. Drops the built model once the table is taken in (null pointers and a lack of
+ * memory are noticed before): a build that fails later leaves none.
  *
  * Inputs must be finite numbers. A design whose value of an output is NaN or infinite is left out of the model of that
  * output alone. At least two designs are needed. The same calls in the same order give the same models in every

@@ -43,7 +43,9 @@ class ZorTask {
   void operator()();
 
   std::future<math::metamodel::SubspaceResults> GetResultsFuture() { return results_.get_future(); }
-  std::future<std::shared_ptr<math::metamodel::SurrogateBase>> GetBestSurrogateFuture() { return surrogate_.get_future(); }
+  std::future<std::shared_ptr<math::metamodel::SurrogateBase>> GetBestSurrogateFuture() {
+    return surrogate_.get_future();
+  }
   std::future<math::metamodel::Subsets> GetCVIndicesFuture() { return cv_indices_.get_future(); }
   std::future<math::IndexVector> GetUnusedIndicesFuture() { return unused_indices_.get_future(); }
 

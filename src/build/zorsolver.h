@@ -23,7 +23,8 @@ enum class eExtrapolationTypes : std::int32_t { kFree = 0, kParameterBounds = 1,
 ///
 /// Every evaluation refuses in the same way. A row out of bounds raises utils::runtime_error "Value %g of Parameter %s
 /// violates bounds: [%g, %g]" if `throwing`, else that is logged and the result is empty. Another number of columns is
-/// logged as "%u input columns expected." and the result is empty. Without usable models utils::runtime_error is raised.
+/// logged as "%u input columns expected." and the result is empty. Without usable models utils::runtime_error is
+/// raised.
 class ZORSolver {
  public:
   /// @param keep_log  collect the messages for `GetLog`; else they are dropped.

@@ -1,0 +1,56 @@
+#include <memory>
+#include <sstream>
+#include <utility>
+
+#include "api/barrier.h"
+#include "api/buffers.h"
+#include "build/zor_handler.h"
+#include "support/log.h"
+#include "support/strings.h"
+#include "zor_api.h"
+
+// The build of the models. A table that cannot be taken in leaves the models of an earlier build alone.
+
+namespace {
+
+using kestrel::math::Matrix;
+
+uint32_t BuildModels(ZOR& record, Matrix inputs, Matrix outputs) {
+  const boost::shared_lock_guard<boost::shared_mutex> lock(record.mutex_);
+  record.ClearResults();
+  kestrel::zor::SampleTable samples = record.BuildHandlerData(std::move(inputs), std::move(outputs));
+  kestrel::zor::ZORCombinedSettings settings = record.GetCombinedSettings(samples);
+  std::wostringstream messages;
+  kestrel::utils::log::BasicStreamLog log(messages);
+  if (!settings.Check(log, true)) {
+    record.SetLastError(kestrel::string::narrow(messages.str()));
+    return zor_settings_check_failed;
+  }
+  kestrel::zor::CZORHandler handler(std::make_shared<kestrel::utils::log::LogDummy>(), std::move(samples),
+                                    std::move(settings));
+  handler.Build();
+  record.FillZORData(handler.GetZORInformation());
+  record.zorsolver_.InitializeSolver(handler.GetZORInformation());
+  record.built_ = true;
+  return zor_success;
+}
+
+}  // namespace
+
+uint32_t zor_build(zor_handle_t handle, const double* samples, uint32_t designs) {
+  return kestrel::api::Guarded(handle, [&](ZOR& record) {
+    const uint64_t columns = record.num_inputs_ + record.num_outputs_;
+    Matrix inputs = kestrel::api::ReadRows(samples, designs, record.num_inputs_, columns);
+    const double* const first_output = samples == nullptr ? nullptr : samples + record.num_inputs_;
+    Matrix outputs = kestrel::api::ReadRows(first_output, designs, record.num_outputs_, columns);
+    return BuildModels(record, std::move(inputs), std::move(outputs));
+  });
+}
+
+uint32_t zor_build_split(zor_handle_t handle, const double* inputs, const double* outputs, uint32_t designs) {
+  return kestrel::api::Guarded(handle, [&](ZOR& record) {
+    Matrix input_rows = kestrel::api::ReadRows(inputs, designs, record.num_inputs_);
+    Matrix output_rows = kestrel::api::ReadRows(outputs, designs, record.num_outputs_);
+    return BuildModels(record, std::move(input_rows), std::move(output_rows));
+  });
+}
