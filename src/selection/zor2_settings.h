@@ -10,7 +10,19 @@
 
 #include "support/log.h"
 
+namespace kestrel::math {
+
+/// True for equal numbers, infinities among them, and for |a - b| <= tolerance; a NaN is near nothing. Absolute: the
+/// options it compares are of the order of 1.
+bool nearTo(double a, double b, double tolerance);
+
+}  // namespace kestrel::math
+
 namespace kestrel::math::metamodel {
+
+/// The correlation levels that settings may demand, and the limits that any other filter walks at most, however small
+/// its step.
+constexpr std::uint64_t kMaxFilterSteps = 10000;
 
 namespace TestingType {
 /// How the prognosis of a candidate is tested.
@@ -23,12 +35,18 @@ class MetamodelSettings {
   virtual ~MetamodelSettings() = default;
 
   virtual std::unique_ptr<MetamodelSettings> Clone() const;
-  /// All fields equal, doubles within 2.220446049250313e-16.
+  /// All fields equal, doubles by `nearTo` within 2.220446049250313e-16.
   virtual bool IsSimilar(const MetamodelSettings& other) const;
   virtual bool operator==(const MetamodelSettings& other) const;
 
-  /// Writes "No model selected." to the log unless a model class may compete; true if nothing was written.
+  /// Visits the name in files, the member and the class version that brought it, in stored order.
+  template <class Visit>
+  static void ForEachField(Visit visit);
+
+  /// Writes "No model selected." as an error to the log unless a model class may compete; true if nothing was written.
+  /// With `error::replace_exception_by_assert` set the message goes to the wide standard error stream instead.
   bool CheckSettings(utils::log::LogBase& log) const;
+  /// A built-in class may compete, or a surrogate of `custom_` whose value is true.
   bool AnyModelSelected() const;
 
   void SetUsePolynomials(bool use) { use_polynomials_ = use; }
@@ -77,10 +95,15 @@ class ZORSettings : public MetamodelSettings {
   bool IsSimilar(const MetamodelSettings& other) const override;
   bool operator==(const MetamodelSettings& other) const override;
 
+  /// This class's own fields, as in the base.
+  template <class Visit>
+  static void ForEachField(Visit visit);
+
   /// Restores the defaults of this class's own fields but for `info_important_`.
   void SetDefaults();
 
-  /// The base check, then the ranges; every fault is written to the log. True if nothing was written.
+  /// The base check, then the ranges; every fault is written in the way of the base. True if nothing was written. A NaN
+  /// lies outside every range.
   bool CheckSettings(utils::log::LogBase& log) const;
 
   void SetImportantInfo(std::vector<std::uint64_t> info) { info_important_ = std::move(info); }
@@ -127,5 +150,55 @@ class ZORSettings : public MetamodelSettings {
   bool use_adj_cop_ = false;
   bool use_uniform_resample_ = false;
 };
+
+template <class Visit>
+void MetamodelSettings::ForEachField(Visit visit) {
+  using Self = MetamodelSettings;
+  visit("use_boxcox_", &Self::use_boxcox_, 0u);
+  visit("use_interpolation_", &Self::use_interpolation_, 0u);
+  visit("use_polynomials_", &Self::use_polynomials_, 0u);
+  visit("max_order_polynomial_", &Self::max_order_polynomial_, 0u);
+  visit("use_MLS_", &Self::use_MLS_, 0u);
+  visit("max_order_MLS_", &Self::max_order_MLS_, 0u);
+  visit("use_anisotropic_MLS_", &Self::use_anisotropic_MLS_, 0u);
+  visit("use_Kriging_", &Self::use_Kriging_, 0u);
+  visit("use_anisotropic_Kriging_", &Self::use_anisotropic_Kriging_, 0u);
+  visit("use_ASCMO_", &Self::use_ASCMO_, 0u);
+  visit("testing_type_", &Self::testing_type_, 0u);
+  visit("coeff_factor_poly_", &Self::coeff_factor_poly_, 1u);
+  visit("coeff_factor_mls_", &Self::coeff_factor_mls_, 1u);
+  visit("coeff_factor_kriging_", &Self::coeff_factor_kriging_, 1u);
+  visit("coeff_factor_ASCMO_", &Self::coeff_factor_ASCMO_, 1u);
+  visit("custom_", &Self::custom_, 2u);
+  visit("use_limits_", &Self::use_limits_, 3u);
+  visit("limits_", &Self::limits_, 3u);
+}
+
+template <class Visit>
+void ZORSettings::ForEachField(Visit visit) {
+  using Self = ZORSettings;
+  visit("info_important_", &Self::info_important_, 0u);
+  visit("use_significance_filter_", &Self::use_significance_filter_, 0u);
+  visit("min_significance_", &Self::min_significance_, 0u);
+  visit("step_significance_", &Self::step_significance_, 0u);
+  visit("use_spearman_", &Self::use_spearman_, 0u);
+  visit("use_coi_filter_", &Self::use_coi_filter_, 0u);
+  visit("max_CoI_", &Self::max_CoI_, 0u);
+  visit("step_CoI_", &Self::step_CoI_, 0u);
+  visit("use_adj_cod_", &Self::use_adj_cod_, 0u);
+  visit("use_cod_filter_", &Self::use_cod_filter_, 0u);
+  visit("max_CoD_", &Self::max_CoD_, 0u);
+  visit("step_CoD_", &Self::step_CoD_, 0u);
+  visit("use_corr_filter_", &Self::use_corr_filter_, 0u);
+  visit("num_corr_steps_", &Self::num_corr_steps_, 0u);
+  visit("toleranceCoP_model_", &Self::toleranceCoP_model_, 0u);
+  visit("toleranceCoP_variables_", &Self::toleranceCoP_variables_, 0u);
+  visit("use_input_corr_filter_", &Self::use_input_corr_filter_, 1u);
+  visit("corr_input_check_", &Self::corr_input_check_, 1u);
+  visit("min_input_corr_", &Self::min_input_corr_, 1u);
+  visit("max_input_corr_", &Self::max_input_corr_, 1u);
+  visit("use_adj_cop_", &Self::use_adj_cop_, 1u);
+  visit("use_uniform_resample_", &Self::use_uniform_resample_, 2u);
+}
 
 }  // namespace kestrel::math::metamodel
