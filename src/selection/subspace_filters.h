@@ -1,6 +1,7 @@
 #pragma once
 
 #include <boost/dynamic_bitset.hpp>
+#include <cstdint>
 
 #include "support/linear_algebra.h"
 
@@ -8,6 +9,10 @@
 /// out, 1 linear, 3 linear and quadratic terms. Importance has one entry per input: 0 left out, 1 may be filtered, 2
 /// kept. Level counts have one entry per input: distinct values minus one (0 constant, 1 two levels).
 namespace kestrel::math::metamodel {
+
+/// True if there is one importance per input; otherwise reports "size of importance vector not consistent to number of
+/// variables".
+bool CheckImportanceSize(Index num_entries, Index num_inputs);
 
 /// 3 limited by the level count: 1 for a count of one, 0 for a count of zero.
 std::uint64_t FullEntry(std::uint64_t level_count);
@@ -26,13 +31,8 @@ IndexVector CoIFilterSubspace(const IndexVector& subspace, const VectorIn& value
                               const IndexVector& importance);
 
 /// Importance 2 keeps its entry, importance 1 keeps it if `statistics::CorrFilter` keeps the input; else 0.
+/// @param M  2 x n, the quadratic correlations of the inputs with the response.
 IndexVector CorrFilterSubspace(const IndexVector& subspace, const MatrixIn& M, double significance, double fraction,
                                const IndexVector& importance);
-
-/// True if none of the first `count` columns of `subspaces` equals the candidate.
-bool CheckFilterSubspace(const IndexMatrix& subspaces, Index count, const IndexVector& candidate);
-
-/// True if the candidate has an entry that is not 0, and `CheckFilterSubspace`.
-bool CheckFilterSubspaceNotEmpty(const IndexMatrix& subspaces, Index count, const IndexVector& candidate);
 
 }  // namespace kestrel::math::metamodel
