@@ -57,20 +57,20 @@ typedef struct ZOR* zor_handle_t;
 typedef enum zor_error_code {
   zor_success = 0,
   zor_invalid_handle = 1,
-  zor_calculation_error = 2,      /**< the work failed; the last error has the text */
-  zor_settings_check_failed = 3,  /**< a build refused the options; the last error has the texts */
+  zor_calculation_error = 2,     /**< the work failed; the last error has the text */
+  zor_settings_check_failed = 3, /**< a build refused the options; the last error has the texts */
   zor_custom_not_enabled = 4,
-  zor_unknown_input_enum = 41,    /**< a value that is none of those listed; the last error has the text */
-  zor_unknown_return_enum = 42,   /**< the same for a value to be returned */
+  zor_unknown_input_enum = 41,  /**< a value that is none of those listed; the last error has the text */
+  zor_unknown_return_enum = 42, /**< the same for a value to be returned */
   zor_size_mismatch = 43,
   zor_result_index_out_of_range = 44,
   zor_index_out_of_range = 45,
-  zor_invalid_name = 46,          /**< the last error has the name */
+  zor_invalid_name = 46, /**< the last error has the name */
   zor_not_implemented = 1000,
   zor_internal_error = 1001,
   zor_handle_init_failed = 1002,
   zor_not_built = 1003,
-  zor_max_error = 16383           /**< never returned; fixes the width of the enumeration */
+  zor_max_error = 16383 /**< never returned; fixes the width of the enumeration */
 } zor_error_code;
 
 /** The values of a flag. */

@@ -22,8 +22,8 @@ math::Matrix ReadRows(const double* values, std::uint64_t rows, std::uint64_t co
   math::Matrix matrix(static_cast<math::Index>(rows), static_cast<math::Index>(columns));  // refuses what overflows
   if (matrix.size() == 0) return matrix;
   RequirePointer(values);
-  matrix = Eigen::Map<const RowMajor, 0, Eigen::OuterStride<>>(
-      values, matrix.rows(), matrix.cols(), Eigen::OuterStride<>(static_cast<math::Index>(stride)));
+  matrix = Eigen::Map<const RowMajor, 0, Eigen::OuterStride<>>(values, matrix.rows(), matrix.cols(),
+                                                               Eigen::OuterStride<>(static_cast<math::Index>(stride)));
   return matrix;
 }
 

@@ -11,9 +11,7 @@
 
 namespace {
 
-std::wstring WideText(const char* text) {
-  return text == nullptr ? std::wstring() : kestrel::string::widen(text);
-}
+std::wstring WideText(const char* text) { return text == nullptr ? std::wstring() : kestrel::string::widen(text); }
 
 }  // namespace
 

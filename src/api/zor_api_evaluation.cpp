@@ -83,8 +83,8 @@ uint32_t zor_solve_extrapolate(zor_handle_t handle, const double* inputs, double
   return Solve(handle, inputs, outputs, designs, true);
 }
 
-uint32_t zor_calculate_gradients_per_output(zor_handle_t handle, int32_t output, const double* inputs,
-                                            uint32_t designs, double* gradients) {
+uint32_t zor_calculate_gradients_per_output(zor_handle_t handle, int32_t output, const double* inputs, uint32_t designs,
+                                            double* gradients) {
   return CalculateGradients(handle, output, inputs, designs, gradients, Bounds::kSamplingBounds);
 }
 

@@ -111,8 +111,7 @@ const char* ZOR::GetLastError() const noexcept {
 
 kestrel::zor::SampleTable ZOR::BuildHandlerData(kestrel::math::Matrix inputs, kestrel::math::Matrix outputs) const {
   Require(num_inputs_ != 0 && num_outputs_ != 0, "At least one input and one output needed.");
-  Require(static_cast<std::uint64_t>(inputs.cols()) == num_inputs_,
-          "Number of inputs does not fit given input count.");
+  Require(static_cast<std::uint64_t>(inputs.cols()) == num_inputs_, "Number of inputs does not fit given input count.");
   Require(static_cast<std::uint64_t>(outputs.cols()) == num_outputs_,
           "Number of outputs does not fit given output count.");
   Require(inputs.rows() == outputs.rows(), "Number of inputs and outputs do not match.");

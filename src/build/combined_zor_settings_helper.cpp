@@ -96,12 +96,9 @@ ZORCombinedSettings::ZORCombinedSettings(eSettingsType type, ZORData data, bool 
 
 std::uint64_t ZORCombinedSettings::NumResponsesParallel() const {
   switch (settings_type_) {
-    case eSettingsType::kAutomatic:
-      return automatic_settings_.num_parallel_;
-    case eSettingsType::kAdvanced:
-      return advanced_settings_.num_parallel_;
-    default:
-      return 0;
+    case eSettingsType::kAutomatic: return automatic_settings_.num_parallel_;
+    case eSettingsType::kAdvanced: return advanced_settings_.num_parallel_;
+    default: return 0;
   }
 }
 

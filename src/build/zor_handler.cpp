@@ -203,12 +203,19 @@ std::vector<CZORHandler::PendingResponse> CZORHandler::ScheduleResponses(ZORTask
   std::vector<PendingResponse> responses;
   for (std::size_t i = 0; i < samples_.response_names.size(); ++i) {
     const std::wstring& name = samples_.response_names[i];
-    auto request = std::make_shared<ZorTask::ZorRequest>(ZorTask::ZorRequest{
-        inputs, samples_.responses.col(static_cast<math::Index>(i)), importance, search_settings, log_, log_,
-        stop_request_, stop_helper_, nullptr, samples_.parameter_names, name,
-        // A stream of its own by position: the result does not depend on which worker comes first.
-        math::random::MakeStream(root_seed, i)});
-    const auto task = std::make_shared<ZorTask>(std::move(request));
+    const auto request = std::make_shared<ZorTask::ZorRequest>(stop_request_);
+    request->inputs = inputs;
+    request->output = samples_.responses.col(static_cast<math::Index>(i));
+    request->important_info = importance;
+    request->settings = search_settings;
+    request->task_log = log_;
+    request->search_log = log_;
+    request->stop_helper = stop_helper_;
+    request->names = samples_.parameter_names;
+    request->response_name = name;
+    // A stream of its own by position: the result does not depend on which worker comes first.
+    request->generator = math::random::MakeStream(root_seed, i);
+    const auto task = std::make_shared<ZorTask>(request);
     responses.emplace_back(name, *task);
     CheckStopRequested();
     pool.Schedule([task] { (*task)(); });

@@ -22,8 +22,10 @@ class ZorTask {
  public:
   /// What a task needs, by value unless it is shared with the handler.
   struct ZorRequest {
+    explicit ZorRequest(const boost::atomics::atomic<bool>& stop) : stop_request(stop) {}
+
     std::shared_ptr<const math::Matrix> inputs;  ///< N x n, one row per design; one table for all tasks that wait
-    math::Vector output;  ///< length N; entries that are not finite are dropped
+    math::Vector output;                         ///< length N; entries that are not finite are dropped
     std::vector<std::uint64_t> important_info;
     math::metamodel::ZORSettings settings;
     std::shared_ptr<utils::log::LogBase> task_log;

@@ -94,12 +94,9 @@ bool ZORSolver::HasInputColumns(const math::MatrixIn& points) const {
 
 const ZORSolver::Limits& ZORSolver::GetLimits(eExtrapolationTypes type) const {
   switch (type) {
-    case eExtrapolationTypes::kParameterBounds:
-      return information_.defined_limits_;
-    case eExtrapolationTypes::kSamplingBounds:
-      return information_.sampling_limits_;
-    default:
-      throw utils::runtime_error(L"Extrapolation type is not defined.");
+    case eExtrapolationTypes::kParameterBounds: return information_.defined_limits_;
+    case eExtrapolationTypes::kSamplingBounds: return information_.sampling_limits_;
+    default: throw utils::runtime_error(L"Extrapolation type is not defined.");
   }
 }
 
