@@ -1,5 +1,4 @@
 #include <array>
-#include <cmath>
 #include <limits>
 
 #include "statistics/basic_statistics.h"
@@ -27,34 +26,54 @@ constexpr std::array<ScaledRange, 2> kScaledRanges = {{{0.1, 10.1}, {10.1, 0.1}}
 
 struct Candidate {
   std::int64_t inverse_exponent = 1;
-  ScaledRange range = kScaledRanges[0];
+  std::size_t range = 0;  ///< in kScaledRanges
 
   std::vector<double> Parameters() const {
     const double exponent = inverse_exponent == 0 ? 0.0 : 1.0 / static_cast<double>(inverse_exponent);
-    return {exponent, range.min_scaled, range.max_scaled};
+    return {exponent, kScaledRanges[range].min_scaled, kScaledRanges[range].max_scaled};
   }
 };
 
 std::vector<Candidate> AllCandidates() {
   std::vector<Candidate> candidates;
-  for (const ScaledRange range : kScaledRanges) {
+  for (std::size_t range = 0; range < kScaledRanges.size(); ++range) {
     for (const std::int64_t t : kInverseExponents) candidates.push_back({t, range});
   }
   return candidates;
 }
 
-/// Root mean squared difference over the samples in which neither side is NaN; NaN if there is none.
-double RootMeanSquare(const Vector& values, const Vector& approximation) {
-  double sum = 0.0;
-  Index count = 0;
-  for (Index i = 0; i < values.size(); ++i) {
-    const double difference = values[i] - approximation[i];
-    if (std::isnan(difference)) continue;
-    sum += difference * difference;
-    ++count;
-  }
-  return count > 0 ? std::sqrt(sum / static_cast<double>(count)) : std::numeric_limits<double>::quiet_NaN();
+/// Mean squared difference over the samples in which neither side is NaN; NaN if there is none.
+double MeanSquare(const Eigen::ArrayXd& values, const Eigen::ArrayXd& approximation) {
+  const Eigen::ArrayXd squares = (values - approximation).square();
+  if (!squares.isNaN().any()) return squares.mean();
+  return squares.isNaN().select(0.0, squares).sum() / static_cast<double>(squares.size() - squares.isNaN().count());
 }
+
+/// The values on both ranges. A range and its mirror stretch them alike, so that differences on either scale rank as
+/// differences in units of the response do.
+class ScaledValues {
+ public:
+  explicit ScaledValues(const Vector& values) {
+    for (std::size_t r = 0; r < kScaledRanges.size(); ++r) {
+      transform::TransMinMax scale(kScaledRanges[r].min_scaled, kScaledRanges[r].max_scaled);
+      scale.Build(values);
+      y_[r] = scale.ScaleForward(values);
+      log_y_[r] = y_[r].log();
+    }
+  }
+
+  Eigen::ArrayXd Forward(const Candidate& candidate) const {
+    return TransBoxCox::ForwardScaled(y_[candidate.range], log_y_[candidate.range], candidate.inverse_exponent);
+  }
+
+  double MeanSquaredDifference(const Candidate& candidate, const VectorIn& fit) const {
+    return MeanSquare(y_[candidate.range], TransBoxCox::BackwardScaled(fit.array(), candidate.inverse_exponent));
+  }
+
+ private:
+  std::array<Eigen::ArrayXd, kScaledRanges.size()> y_;
+  std::array<Eigen::ArrayXd, kScaledRanges.size()> log_y_;
+};
 
 }  // namespace
 
@@ -65,23 +84,19 @@ bool LinearRegression::BuildOptimalBoxCox() {
 
   // All candidates share the basis: their values are the columns of one matrix, solved with one factorisation.
   const NormalEquations& equations = PrepareNormalEquations();
+  const ScaledValues scaled(values_);
   const std::vector<Candidate> candidates = AllCandidates();
-  std::vector<TransBoxCox> transformations;
-  Matrix transformed(values_.size(), static_cast<Index>(candidates.size()));
-  for (const Candidate& candidate : candidates) {
-    TransBoxCox transformation(candidate.inverse_exponent, candidate.range.min_scaled, candidate.range.max_scaled);
-    if (!transformation.Build(values_)) return false;
-    transformed.col(static_cast<Index>(transformations.size())) = transformation.ScaleForward(values_);
-    transformations.push_back(transformation);
+  Matrix columns(values_.size(), static_cast<Index>(candidates.size()));
+  for (std::size_t k = 0; k < candidates.size(); ++k) {
+    columns.col(static_cast<Index>(k)) = scaled.Forward(candidates[k]);
   }
-  const Matrix coefficients = equations.Solve(RightHandSides(coefficient_matrix_, transformed, weights_));
-  const Matrix fits = coefficient_matrix_ * coefficients;
+  const Matrix coefficients = equations.Solve(RightHandSides(coefficient_matrix_, columns, weights_));
+  columns.noalias() = coefficient_matrix_ * coefficients;
 
   Candidate best;
   double best_difference = std::numeric_limits<double>::max();
   for (std::size_t k = 0; k < candidates.size(); ++k) {
-    const Vector approximation = transformations[k].ScaleBackward(fits.col(static_cast<Index>(k)));
-    const double difference = RootMeanSquare(values_, approximation);
+    const double difference = scaled.MeanSquaredDifference(candidates[k], columns.col(static_cast<Index>(k)));
     if (!(difference < best_difference)) continue;
     best_difference = difference;
     best = candidates[k];

@@ -71,19 +71,28 @@ bool TransBoxCox::Build(const MatrixIn& data) {
 Matrix TransBoxCox::ScaleForward(const MatrixIn& data) const {
   RequireBuiltScalar(data);
   const Array y = trans_minmax_.ScaleForward(data);
-  if (lambda_inv_ == 1) return y - 1.0;
-  if (lambda_inv_ == 0) return y.log();
-  return (y.pow(lambda_) - 1.0) / lambda_;
+  return ForwardScaled(y, y.log(), lambda_inv_);
 }
 
 Matrix TransBoxCox::ScaleBackward(const MatrixIn& data) const {
   RequireBuiltScalar(data);
-  const Array z = data;
-  if (lambda_inv_ == 1) return trans_minmax_.ScaleBackward((z + 1.0).matrix());
-  if (lambda_inv_ == 0) return trans_minmax_.ScaleBackward(z.exp().matrix());
+  return trans_minmax_.ScaleBackward(BackwardScaled(data.array(), lambda_inv_).matrix());
+}
+
+Array TransBoxCox::ForwardScaled(const Eigen::Ref<const Array>& y, const Eigen::Ref<const Array>& log_y,
+                                 std::int64_t lambda_inv) {
+  if (lambda_inv == 1) return y - 1.0;
+  if (lambda_inv == 0) return log_y;
+  // y^lambda = exp(lambda log y): a few roundings from std::pow for the scaled range, and it vectorises.
+  const double lambda = 1.0 / static_cast<double>(lambda_inv);
+  return ((lambda * log_y).exp() - 1.0) / lambda;
+}
+
+Array TransBoxCox::BackwardScaled(const Eigen::Ref<const Array>& z, std::int64_t lambda_inv) {
+  if (lambda_inv == 1) return z + 1.0;
+  if (lambda_inv == 0) return z.exp();
   // Stored transformations hold the exponent in 64 bits, the power is taken in 32.
-  const auto n = static_cast<std::int32_t>(lambda_inv_);
-  return trans_minmax_.ScaleBackward(WholePower(z * lambda_ + 1.0, n).matrix());
+  return WholePower(z / static_cast<double>(lambda_inv) + 1.0, static_cast<std::int32_t>(lambda_inv));
 }
 
 std::wstring TransBoxCox::Str() const {

@@ -27,6 +27,12 @@ class TransBoxCox final : public Transform {
   bool operator==(const Transform& other) const override;
   std::unique_ptr<Transform> Clone() const override;
 
+  /// The two maps between scaled values y and transformed values z, for a search over many exponents: the scaling and
+  /// the logarithm of y are then taken once. Columns are independent.
+  static Eigen::ArrayXXd ForwardScaled(const Eigen::Ref<const Eigen::ArrayXXd>& y,
+                                       const Eigen::Ref<const Eigen::ArrayXXd>& log_y, std::int64_t lambda_inv);
+  static Eigen::ArrayXXd BackwardScaled(const Eigen::Ref<const Eigen::ArrayXXd>& z, std::int64_t lambda_inv);
+
  private:
   void RequireBuiltScalar(const MatrixIn& data) const;
 
