@@ -20,7 +20,7 @@ sanitize:
 # Runs the benchmarks; `make bench FILTER=Kriging` only those that match.
 bench:
 	@scripts/build.sh release bench/all
-	@for program in out/release/bench/*_bench; do $$program --benchmark_filter='$(FILTER)'; done
+	@for program in out/release/bench/*/*_bench; do $$program --benchmark_filter='$(FILTER)'; done
 
 # Installs to PREFIX (below DESTDIR if set), with a second build of the library for processors with AVX2 and FMA.
 install:
