@@ -11,7 +11,11 @@ FLOORS = {
     "persistence/archive": 1, "support": 0,
 }
 # Who sees the public header only, and what else of the project's own each may include.
-CALLERS = {"tools/zor": [], "examples": [], "tests/api": ["tests/support", "src/api/option_list.inc"]}
+CALLERS = {
+    "tools/zor": ["src/api/option_list.inc"],
+    "examples": [],
+    "tests/api": ["tests/support", "src/api/option_list.inc"],
+}
 SUFFIXES = {".h", ".c", ".cpp", ".inc"}
 
 root = pathlib.Path(sys.argv[1]).resolve()

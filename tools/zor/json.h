@@ -1,0 +1,18 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace kestrel::cli {
+
+/// A JSON string, quotes included. UTF-8 stays as it is; the text must be UTF-8.
+std::string JsonText(std::string_view text);
+
+/// A JSON number that reads back as the same double; `null` for NaN and infinities, which JSON does not know.
+std::string JsonNumber(double value);
+
+/// "[a, b]" of values that are JSON already.
+std::string JsonArray(const std::vector<std::string>& values);
+
+}  // namespace kestrel::cli

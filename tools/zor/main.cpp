@@ -1,0 +1,45 @@
+#include <clocale>
+#include <exception>
+#include <iostream>
+#include <new>
+
+#include "command_line.h"
+#include "errors.h"
+#include "fit_command.h"
+#include "output_file.h"
+
+namespace {
+
+void Run(int argc, const char* const* argv) {
+  const kestrel::cli::CommandLine command = kestrel::cli::ReadCommandLine(argc, argv);
+  if (command.text.empty()) {
+    kestrel::cli::RunFit(command.fit, std::cout, std::cerr);
+  } else {
+    std::cout << command.text;
+  }
+  kestrel::cli::RequireWritten(std::cout, "standard output");
+}
+
+int Fail(const char* text, int status) {
+  std::cerr << "zor: " << text << '\n';
+  return status;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  // Names of columns are UTF-8 whatever the environment says; which of their characters are letters is up to the
+  // locale.
+  std::setlocale(LC_CTYPE, "C.UTF-8");
+  std::ios::sync_with_stdio(false);
+  try {
+    Run(argc, argv);
+    return 0;
+  } catch (const kestrel::cli::InputError& error) {
+    return Fail(error.what(), 2);
+  } catch (const std::bad_alloc&) {
+    return Fail("Out of memory.", 1);
+  } catch (const std::exception& error) {
+    return Fail(error.what(), 1);
+  }
+}
