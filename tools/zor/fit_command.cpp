@@ -92,6 +92,7 @@ Table ReadDesigns(const FitArguments& arguments, const Handle& handle, std::size
     SetNamesOf(handle, &zor_set_output_names, &zor_get_output_name_count, path, header,
                {first_output, positions.end()});
     std::vector<Column> columns;
+    columns.reserve(positions.size());
     for (const std::size_t position : positions) {
       columns.push_back({position, columns.size() < input_count ? CellRule::kFinite : CellRule::kAnyNumber});
     }
