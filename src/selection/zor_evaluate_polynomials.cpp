@@ -1,4 +1,4 @@
-#include "selection/coi_uncorrelated.h"
+#include "selection/polynomial_importance.h"
 #include "selection/polynomial_search.h"
 
 namespace kestrel::math::metamodel {
@@ -114,9 +114,7 @@ void PolynomialSearch::LogCandidate(const SubspaceResults& result) const {
                 << FittedExponent(settings) << L" subspace " << GetResults().size();
 }
 
-Vector PolynomialSearch::VariableImportance() {
-  return statistics::CoiUncorrelated(regression_, statistics::RSquared::kR2adj);
-}
+Vector PolynomialSearch::VariableImportance() { return ImportanceByR2adj(regression_); }
 
 void PolynomialSearch::RemoveInput(SurrogateSettingsBase& settings, std::uint64_t input) const {
   auto& polynomial = dynamic_cast<LinearRegressionSettings&>(settings);
