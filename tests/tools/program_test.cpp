@@ -217,6 +217,7 @@ TEST(Program, AnswersEveryFaultWithOneLine) {
   folder.Write("points.csv", "a,b,c\n1,zero,2\n");
   folder.Write("header.csv", "a,b\n");
   folder.Write("names.csv", "wall thickness,y,PI\n1,2,3\n");
+  folder.Write("missing.csv", "a,y\n1,\n2,nan\n3,inf\n");
   folder.Write("nameless.csv", "a,y,\n1,2,3\n");
   const WrongCall calls[] = {
       {"", 2, "A subcommand is required; see 'zor fit --help'"},
@@ -230,6 +231,7 @@ TEST(Program, AnswersEveryFaultWithOneLine) {
       {"fit none.csv --outputs y", 2, "none.csv: No such file or directory."},
       {"fit header.csv --outputs b", 2, "header.csv: The file has no designs below its header row."},
       {"fit header.csv --outputs a,b", 2, "header.csv: No column is left as input."},
+      {"fit missing.csv --outputs y", 2, "missing.csv: The output 'y' has no finite value."},
       {"fit designs.csv --outputs q", 2,
        "designs.csv: There is no column 'q'; the file has 'id', 'a', 'b', 'c', 'y', 'z'."},
       {"fit designs.csv --inputs a,y --outputs y", 2, "The column 'y' is named twice as input or output."},

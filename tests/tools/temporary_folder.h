@@ -5,7 +5,7 @@
 #include <sstream>
 #include <string>
 
-#include <stdlib.h>
+#include <cstdlib>
 
 namespace kestrel::cli {
 

@@ -80,6 +80,17 @@ void SetNamesOf(const Handle& handle, SetNames set_names, GetNameCount get_count
                    "and not a reserved word such as PI or TRUE.");
 }
 
+/// The library would stop at an output without values, too, but does not say which one it is.
+void RequireValues(const std::string& path, const Table& designs, std::size_t first_output) {
+  if (designs.rows == 0) throw InputError(path + ": The file has no designs below its header row.");
+  for (std::size_t column = first_output; column < designs.names.size(); ++column) {
+    const std::vector<double> values = DesignColumn(designs, column);
+    if (std::none_of(values.begin(), values.end(), [](double value) { return std::isfinite(value); })) {
+      throw InputError(path + ": The output " + Quoted(designs.names[column]) + " has no finite value.");
+    }
+  }
+}
+
 /// Reads the designs, inputs first, and tells the handle what they are; returns the number of inputs in `input_count`.
 Table ReadDesigns(const FitArguments& arguments, const Handle& handle, std::size_t& input_count) {
   const std::string& path = arguments.designs;
@@ -99,7 +110,7 @@ Table ReadDesigns(const FitArguments& arguments, const Handle& handle, std::size
     return columns;
   };
   Table designs = ReadTable(path, choose);
-  if (designs.rows == 0) throw InputError(path + ": The file has no designs below its header row.");
+  RequireValues(path, designs, input_count);
   handle.Check(zor_set_input_count(handle.get(), static_cast<std::uint32_t>(input_count)));
   handle.Check(zor_set_output_count(handle.get(), static_cast<std::uint32_t>(arguments.outputs.size())));
   return designs;
