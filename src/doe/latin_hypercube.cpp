@@ -1,13 +1,16 @@
 #include "doe/latin_hypercube.h"
 
 #include <algorithm>
-#include <numeric>
+#include <utility>
 #include <vector>
 
 namespace kestrel::math::doe {
 namespace {
 
+// Correlations settle near 1 / N, where taking them out moves no entry past its neighbour any more. A sweep that does
+// not lower the sum of squares by this factor is the last.
 constexpr int kMaxSweeps = 10;
+constexpr double kWorthwhile = 0.9;
 
 // The entry of rank c among N, as an odd multiple of 1 / N: columns have a mean of exactly 0.
 double CellCentre(double c, Index num_samples) {
@@ -17,12 +20,13 @@ double CellCentre(double c, Index num_samples) {
 
 // The cell centres in the order of the given scores; equal scores keep their order.
 Vector RankedCentres(const Vector& scores) {
-  std::vector<Index> order(static_cast<std::size_t>(scores.size()));
-  std::iota(order.begin(), order.end(), Index{0});
-  std::stable_sort(order.begin(), order.end(), [&](Index a, Index b) { return scores(a) < scores(b); });
+  std::vector<std::pair<double, Index>> order;
+  order.reserve(static_cast<std::size_t>(scores.size()));
+  for (Index i = 0; i < scores.size(); ++i) order.emplace_back(scores(i), i);
+  std::sort(order.begin(), order.end());
   Vector centres(scores.size());
   for (std::size_t rank = 0; rank < order.size(); ++rank) {
-    centres(order[rank]) = CellCentre(static_cast<double>(rank), scores.size());
+    centres(order[rank].second) = CellCentre(static_cast<double>(rank), scores.size());
   }
   return centres;
 }
@@ -65,9 +69,12 @@ Matrix ReduceCorrelations(Matrix points) {
   for (int sweep = 0; sweep < kMaxSweeps; ++sweep) {
     Sweep(points);
     const double sum = CorrelationSum(points);
-    if (!(sum < smallest)) break;
-    smallest = sum;
-    best = points;
+    const bool worthwhile = sum < kWorthwhile * smallest;
+    if (sum < smallest) {
+      smallest = sum;
+      best = points;
+    }
+    if (!worthwhile) break;
   }
   return best;
 }

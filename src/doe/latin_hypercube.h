@@ -10,9 +10,9 @@ namespace kestrel::math::doe {
 Matrix RandomLatinHypercube(Index num_samples, Index num_inputs, random::Generator& generator);
 
 /// Reorders the entries of each column of a Latin hypercube so that the correlations between the columns come close to
-/// 0: ranked Gram-Schmidt (Owen 1994, "Controlling correlations in Latin hypercube samples"). The result is the best
-/// of the sweeps by root mean square correlation and never worse than what was given. Columns beyond N - 1 cannot all
-/// be uncorrelated; the sweeps then end early.
+/// 0, to about 1 / N where there are few inputs beside samples: ranked Gram-Schmidt (Owen 1994, "Controlling
+/// correlations in Latin hypercube samples"). The result is the best of the sweeps by root mean square correlation and
+/// never worse than what was given. More than N - 1 columns cannot all be uncorrelated; the sweeps then end early.
 Matrix ReduceCorrelations(Matrix points);
 
 }  // namespace kestrel::math::doe

@@ -114,28 +114,27 @@ Matrix CalcLinCCMatrixColwise(const MatrixIn& m) {
   const Index n = m.cols();
   if (n > 0 && m.rows() == 0) error::Report(L"Empty data vector");
   Matrix correlations = Matrix::Constant(n, n, kNaN);
-  if (m.rows() > 0) {
-    Matrix deviations(m.rows(), n);
-    for (Index j = 0; j < n; ++j) deviations.col(j) = UnitDeviations(m.col(j));
-    correlations.setZero();
-    correlations.selfadjointView<Eigen::Lower>().rankUpdate(deviations.transpose());
-    const std::vector<bool> nan_flags = ContainsNanColwise(m);
-    for (Index j = 0; j < n; ++j) {
-      for (Index i = j + 1; i < n; ++i) {
-        const bool has_nan = Flag(nan_flags, i) || Flag(nan_flags, j);
-        correlations(i, j) = has_nan ? CalcLinCC(m.col(i), m.col(j), true, true) : LimitLinear(correlations(i, j));
-        correlations(j, i) = correlations(i, j);
-      }
+  correlations.diagonal().setOnes();
+  if (m.size() == 0) return correlations;
+  Matrix deviations(m.rows(), n);
+  for (Index j = 0; j < n; ++j) deviations.col(j) = UnitDeviations(m.col(j));
+  Matrix products = Matrix::Zero(n, n);
+  products.selfadjointView<Eigen::Lower>().rankUpdate(deviations.transpose());
+  const std::vector<bool> nan_flags = ContainsNanColwise(m);
+  for (Index j = 0; j < n; ++j) {
+    for (Index i = j + 1; i < n; ++i) {
+      const bool has_nan = Flag(nan_flags, i) || Flag(nan_flags, j);
+      correlations(i, j) = has_nan ? CalcLinCC(m.col(i), m.col(j), true, true) : LimitLinear(products(i, j));
+      correlations(j, i) = correlations(i, j);
     }
   }
-  correlations.diagonal().setOnes();
   return correlations;
 }
 
 Matrix CalcQuadCCMatrixColwise(const MatrixIn& m) {
   const Index n = m.cols();
   if (n > 0 && m.rows() == 0) error::Report(L"Empty data vector");
-  if (m.rows() == 0) return Matrix::Constant(n, n, kNaN);
+  if (m.size() == 0) return Matrix::Constant(n, n, kNaN);
   const ColumnBases bases(m);
   const Matrix along_line = bases.line.transpose() * bases.deviations;
   const Matrix along_curve = bases.curve.transpose() * bases.deviations;

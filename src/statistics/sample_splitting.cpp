@@ -132,7 +132,8 @@ IndexVector SampleSplittingRandom(std::uint64_t n, std::uint64_t k, random::Gene
 IndexVector SampleSplittingPotential(const MatrixIn& inputs, std::uint64_t k) {
   const Index n = inputs.rows();
   // Subsets beyond the number of samples stay empty.
-  const auto num_subsets = static_cast<Index>(std::clamp<std::uint64_t>(k, 1, std::max<std::uint64_t>(n, 1)));
+  const auto most_subsets = static_cast<std::uint64_t>(std::max<Index>(n, 1));
+  const auto num_subsets = static_cast<Index>(std::clamp<std::uint64_t>(k, 1, most_subsets));
   if (n < 2 || inputs.cols() == 0) {  // nothing to tell the samples apart
     return IndexVector::NullaryExpr(n, [&](Index i) { return static_cast<std::uint64_t>(i % num_subsets); });
   }

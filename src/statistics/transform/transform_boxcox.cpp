@@ -92,7 +92,8 @@ Array TransBoxCox::BackwardScaled(const Eigen::Ref<const Array>& z, std::int64_t
   if (lambda_inv == 1) return z + 1.0;
   if (lambda_inv == 0) return z.exp();
   // Stored transformations hold the exponent in 64 bits, the power is taken in 32.
-  return WholePower(z / static_cast<double>(lambda_inv) + 1.0, static_cast<std::int32_t>(lambda_inv));
+  const double lambda = 1.0 / static_cast<double>(lambda_inv);
+  return WholePower(lambda * z + 1.0, static_cast<std::int32_t>(lambda_inv));
 }
 
 std::wstring TransBoxCox::Str() const {

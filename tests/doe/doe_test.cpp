@@ -1,0 +1,78 @@
+#include "doe/doe.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <string>
+
+#include "statistics/basic_statistics_colwise.h"
+#include "support/exceptions.h"
+#include "support/matrix_compare.h"
+
+namespace kestrel::math::doe {
+namespace {
+
+using testing::MatrixNear;
+
+constexpr eClassicType kRandom = eClassicType::kLatinHypercube;
+constexpr eClassicType kOrthogonal = eClassicType::kLatinHypercubeOrthogonal;
+
+Matrix Build(eClassicType type, std::uint64_t num_inputs, std::uint64_t num_samples, std::uint64_t seed = 1) {
+  random::Generator generator(seed);
+  return DOE(generator).BuildClassic(type, num_inputs, num_samples);
+}
+
+double LargestCorrelation(const Matrix& points) {
+  const Index n = points.cols();
+  return (statistics::CalcLinCCMatrixColwise(points) - Matrix::Identity(n, n)).cwiseAbs().maxCoeff();
+}
+
+class LatinHypercube : public ::testing::TestWithParam<eClassicType> {};
+
+TEST_P(LatinHypercube, HasOnePointInEachCell) {
+  struct Shape {
+    std::uint64_t inputs, samples;
+  };
+  for (const Shape& s : {Shape{1, 1}, Shape{1, 7}, Shape{5, 1}, Shape{4, 2}, Shape{8, 3}, Shape{3, 40}, Shape{0, 4}}) {
+    SCOPED_TRACE(std::to_string(s.inputs) + " inputs, " + std::to_string(s.samples) + " samples");
+    const Matrix points = Build(GetParam(), s.inputs, s.samples);
+    ASSERT_EQ(points.rows(), static_cast<Index>(s.samples));
+    ASSERT_EQ(points.cols(), static_cast<Index>(s.inputs));
+    const double width = 2.0 / static_cast<double>(s.samples);
+    for (Index j = 0; j < points.cols(); ++j) {
+      Vector column = points.col(j);
+      std::sort(column.begin(), column.end());
+      const Vector centres = Vector::LinSpaced(points.rows(), -1.0 + 0.5 * width, 1.0 - 0.5 * width);
+      EXPECT_TRUE(MatrixNear(column, centres, 1e-15));
+    }
+  }
+  EXPECT_EQ(Build(GetParam(), 3, 0).cols(), 3);
+}
+
+TEST_P(LatinHypercube, IsThatOfItsGenerator) {
+  EXPECT_TRUE(MatrixNear(Build(GetParam(), 4, 20, 9), Build(GetParam(), 4, 20, 9), 0.0));
+  EXPECT_FALSE(MatrixNear(Build(GetParam(), 4, 20, 9), Build(GetParam(), 4, 20, 10), 0.0));
+  EXPECT_GT((Build(GetParam(), 4, 20).col(0) - Build(GetParam(), 4, 20).col(1)).norm(), 0.1);
+}
+
+INSTANTIATE_TEST_SUITE_P(Types, LatinHypercube, ::testing::Values(kRandom, kOrthogonal),
+                         [](const auto& type) { return type.param == kRandom ? "Random" : "Orthogonal"; });
+
+TEST(OrthogonalLatinHypercube, HasColumnsWithoutCorrelation) {
+  struct Case {
+    std::uint64_t inputs, samples;
+    double largest;
+  };
+  for (const Case& c : {Case{2, 100, 0.011}, Case{20, 1000, 1e-3}, Case{5, 10000, 1e-4}, Case{8, 30, 0.04}}) {
+    SCOPED_TRACE(std::to_string(c.inputs) + " inputs, " + std::to_string(c.samples) + " samples");
+    EXPECT_LT(LargestCorrelation(Build(kOrthogonal, c.inputs, c.samples)), c.largest);
+    EXPECT_GT(LargestCorrelation(Build(kRandom, c.inputs, c.samples)), c.largest);
+  }
+}
+
+TEST(PointSets, OfUnknownTypeAreRefused) {
+  EXPECT_THROW(Build(static_cast<eClassicType>(8), 2, 5), utils::logic_error);
+}
+
+}  // namespace
+}  // namespace kestrel::math::doe

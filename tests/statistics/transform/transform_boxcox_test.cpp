@@ -1,0 +1,144 @@
+#include "statistics/transform/transform_boxcox.h"
+
+#include <gtest/gtest.h>
+#include <rapidcheck/gtest.h>
+
+#include <cmath>
+#include <stdexcept>
+#include <string>
+
+#include "statistics/sample_data.h"
+#include "support/matrix_compare.h"
+
+namespace kestrel::math::transform {
+namespace {
+
+using testing::kInf;
+using testing::kNaN;
+using testing::MatrixNear;
+using testing::NumberNear;
+using testing::Numbers;
+
+// On this column the scaling to [0.1, 10.1] is the identity.
+TransBoxCox BuiltOnScaledData(std::int64_t lambda_inv) {
+  TransBoxCox transform(lambda_inv, 0.1, 10.1);
+  transform.Build(Numbers({0.1, 10.1}));
+  return transform;
+}
+
+TEST(BoxCox, FollowsTheFormulaOfItsExponent) {
+  const Vector y = Numbers({0.1, 0.7, 4.0, 10.1});
+  for (const std::int64_t n : {1, 2, 3, 20, -1, -2, -3, -20}) {
+    SCOPED_TRACE(n);
+    const double lambda = 1.0 / static_cast<double>(n);
+    const Vector expected = (y.array().pow(lambda) - 1.0) / lambda;
+    EXPECT_TRUE(MatrixNear(BuiltOnScaledData(n).ScaleForward(y), expected, 1e-13));
+  }
+  EXPECT_TRUE(MatrixNear(BuiltOnScaledData(0).ScaleForward(y), Vector(y.array().log()), 1e-15));
+  EXPECT_TRUE(MatrixNear(BuiltOnScaledData(1).ScaleForward(y), Numbers({-0.9, -0.3, 3.0, 9.1}), 1e-15));
+}
+
+RC_GTEST_PROP(BoxCox, BackwardUndoesForward, ()) {
+  const auto n = *rc::gen::element<std::int64_t>(1, 2, 3, 5, 20, -1, -2, -13, -20, 0);
+  const auto seed = *rc::gen::arbitrary<std::uint32_t>();
+  const bool inverted = *rc::gen::arbitrary<bool>();
+  const double magnitude = *rc::gen::element(1e-200, 1.0, 1e9, 1e290);
+  const Matrix data = testing::UniformMatrix(20, 1, seed, -magnitude, magnitude);
+  TransBoxCox transform(n, inverted ? 10.1 : 0.1, inverted ? 0.1 : 10.1);
+  transform.Build(data);
+  RC_ASSERT(MatrixNear(transform.ScaleBackward(transform.ScaleForward(data)), data, 1e-12 * magnitude));
+}
+
+TEST(BoxCox, BackwardAgreesWithTheStandardPower) {
+  constexpr double kAgreement = 1e-14;
+  const Vector z = Numbers({0.0,   -0.5, 3.7,    9.0,  -1.0,  1.0,   -2.0,   2.0,   -3.0, 3.0,   20.0, -20.0,
+                            -30.0, 30.0, 1e-300, 1e20, -1e20, 1e200, -1e200, 1e308, kInf, -kInf, kNaN});
+  for (const std::int64_t n : {2, 3, 4, 5, 6, 8, 10, 13, 20, 32, 33, 100, -1, -2, -3, -4, -5, -13, -20, -32, -33}) {
+    const Matrix backward = BuiltOnScaledData(n).ScaleBackward(z);
+    const double lambda = 1.0 / static_cast<double>(n);
+    for (Index i = 0; i < z.size(); ++i) {
+      const double expected = std::pow(z(i) * lambda + 1.0, static_cast<double>(n));
+      EXPECT_TRUE(NumberNear(backward(i), expected, kAgreement * std::abs(expected)))
+          << "n = " << n << ", z = " << z(i) << ": " << backward(i) << ", expected " << expected;
+    }
+  }
+}
+
+TEST(BoxCox, BackwardTakesThePowerIn32Bits) {
+  const TransBoxCox transform = BuiltOnScaledData((std::int64_t{1} << 32) + 3);
+  const double z = std::ldexp(1.0, 32) + 3.0;  // 1 / lambda
+  EXPECT_DOUBLE_EQ(transform.ScaleBackward(Numbers({z}))(0), 8.0);
+}
+
+TEST(BoxCox, RoundsTheExponentToAReciprocal) {
+  struct Case {
+    double p;
+    std::int64_t lambda_inv;
+  };
+  const Case cases[] = {{0.34, 3},    {1.0, 1},   {0.0, 0},    {-0.0, 0}, {0.05, 20},
+                        {-0.05, -20}, {-1.0, -1}, {-0.34, -3}, {1.11, 1}, {1.12, 0},
+                        {5.0, 0},     {kInf, 0},  {1e-300, 0}, {kNaN, 0}, {1.0 / 13, 13}};
+  for (const Case& c : cases) EXPECT_EQ(TransBoxCox::InverseExponent(c.p), c.lambda_inv) << c.p;
+  EXPECT_EQ(TransBoxCox(3, 0.1, 10.1).GetParameters(), (std::vector<double>{1.0 / 3.0, 0.1, 10.1}));
+  EXPECT_EQ(TransBoxCox(0, 0.5, 2.0).GetParameters(), (std::vector<double>{0.0, 0.5, 2.0}));
+}
+
+TEST(BoxCox, RefusesToBuild) {
+  struct Case {
+    double low, high;
+    Matrix data;
+    const char* text;
+  };
+  constexpr const char* kRange = "Minimum and maximum for scaling should be larger than zero.";
+  const Case cases[] = {
+      {0.0, 1.0, Matrix::Ones(1, 2), kRange},
+      {1.0, -1.0, Matrix::Ones(2, 1), kRange},
+      {0.1, 1.0, Matrix::Ones(1, 2), "At least two values are required."},
+      {0.1, 1.0, Matrix::Ones(2, 2), "Transformation works only for response vector."},
+      {0.1, 1.0, Matrix(2, 0), "Transformation works only for response vector."},
+  };
+  for (const Case& c : cases) {
+    TransBoxCox transform(2, c.low, c.high);
+    try {
+      transform.Build(c.data);
+      ADD_FAILURE() << "built";
+    } catch (const std::runtime_error& error) {
+      EXPECT_STREQ(error.what(), c.text);
+    }
+    EXPECT_TRUE(transform.GetNeedBuild());
+  }
+}
+
+TEST(BoxCox, ScalesBuiltColumnsOnly) {
+  const auto text_of = [](const TransBoxCox& transform, const Matrix& data, bool forward) -> std::string {
+    try {
+      return forward ? transform.ScaleForward(data), "" : (transform.ScaleBackward(data), "");
+    } catch (const std::logic_error& error) {
+      return error.what();
+    }
+  };
+  for (const bool forward : {true, false}) {
+    EXPECT_EQ(text_of(TransBoxCox(), Matrix::Ones(2, 2), forward), "can not transform - build first");
+    EXPECT_EQ(text_of(BuiltOnScaledData(2), Matrix::Ones(2, 2), forward), "TransBoxCox works only for scalar data");
+    EXPECT_EQ(text_of(BuiltOnScaledData(2), Matrix(0, 1), forward), "");
+  }
+}
+
+TEST(BoxCox, ComparesAndWritesAllParameters) {
+  const TransBoxCox unbuilt(2, 0.1, 10.1);
+  TransBoxCox built(2, 0.1, 10.1);
+  built.Build(Numbers({1, 6}));
+  EXPECT_EQ(unbuilt.Str(), L"BoxCox (0.5, )");
+  EXPECT_EQ(built.Str(), L"BoxCox (0.5, 2 , -1.9 , 0.95 )");
+  EXPECT_TRUE(*unbuilt.Clone() == unbuilt);
+  EXPECT_TRUE(unbuilt.Clone()->GetNeedBuild());
+  EXPECT_TRUE(*built.Clone() == built);
+  EXPECT_FALSE(built == unbuilt);
+  EXPECT_FALSE(built == BuiltOnScaledData(2));
+  EXPECT_FALSE(unbuilt == TransBoxCox(3, 0.1, 10.1));
+  EXPECT_FALSE(unbuilt == TransBoxCox(2, 0.2, 10.1));
+  EXPECT_FALSE(unbuilt == TransMinMax(0.1, 10.1));
+}
+
+}  // namespace
+}  // namespace kestrel::math::transform
