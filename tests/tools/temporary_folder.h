@@ -1,11 +1,10 @@
 #pragma once
 
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
 #include <string>
-
-#include <cstdlib>
 
 namespace kestrel::cli {
 
