@@ -78,21 +78,31 @@ TEST(ZORSettings, ListsEveryFieldInStoredOrder) {
 
 TEST(ZORSettings, DefaultsAreTheDocumentedOnes) {
   const ZORSettings s(2);
-  const bool on[] = {s.use_boxcox_,  s.use_polynomials_,         s.use_MLS_,        s.use_Kriging_,
-                     s.use_adj_cod_, s.use_significance_filter_, s.use_coi_filter_, s.use_cod_filter_,
-                     s.use_corr_filter_};
+  const bool on[] = {s.use_boxcox_,     s.use_polynomials_, s.use_MLS_,
+                     s.use_Kriging_,    s.use_adj_cod_,     s.use_significance_filter_,
+                     s.use_coi_filter_, s.use_cod_filter_,  s.use_corr_filter_};
   for (const bool flag : on) EXPECT_TRUE(flag);
-  const bool off[] = {s.use_interpolation_, s.use_anisotropic_MLS_,   s.use_anisotropic_Kriging_, s.use_ASCMO_,
-                      s.use_limits_,        s.use_input_corr_filter_, s.use_spearman_,            s.use_adj_cop_,
-                      s.use_uniform_resample_};
+  const bool off[] = {s.use_interpolation_, s.use_anisotropic_MLS_, s.use_anisotropic_Kriging_,
+                      s.use_ASCMO_,         s.use_limits_,          s.use_input_corr_filter_,
+                      s.use_spearman_,      s.use_adj_cop_,         s.use_uniform_resample_};
   for (const bool flag : off) EXPECT_FALSE(flag);
-  const std::pair<double, double> numbers[] = {
-      {s.coeff_factor_poly_, 2.0},   {s.coeff_factor_mls_, 8.0},   {s.coeff_factor_kriging_, 8.0},
-      {s.coeff_factor_ASCMO_, 8.0},  {s.min_significance_, 0.95},  {s.step_significance_, 0.01},
-      {s.max_CoI_, 0.05},            {s.step_CoI_, 0.01},          {s.max_CoD_, 0.05},
-      {s.step_CoD_, 0.01},           {s.toleranceCoP_model_, .01}, {s.toleranceCoP_variables_, .01},
-      {s.corr_input_check_, 0.5},    {s.min_input_corr_, 0.3},     {s.max_input_corr_, 0.7},
-      {s.limits_.first, -kInfinity}, {s.limits_.second, kInfinity}};
+  const std::pair<double, double> numbers[] = {{s.coeff_factor_poly_, 2.0},
+                                               {s.coeff_factor_mls_, 8.0},
+                                               {s.coeff_factor_kriging_, 8.0},
+                                               {s.coeff_factor_ASCMO_, 8.0},
+                                               {s.min_significance_, 0.95},
+                                               {s.step_significance_, 0.01},
+                                               {s.max_CoI_, 0.05},
+                                               {s.step_CoI_, 0.01},
+                                               {s.max_CoD_, 0.05},
+                                               {s.step_CoD_, 0.01},
+                                               {s.toleranceCoP_model_, .01},
+                                               {s.toleranceCoP_variables_, .01},
+                                               {s.corr_input_check_, 0.5},
+                                               {s.min_input_corr_, 0.3},
+                                               {s.max_input_corr_, 0.7},
+                                               {s.limits_.first, -kInfinity},
+                                               {s.limits_.second, kInfinity}};
   for (const auto& [value, expected] : numbers) EXPECT_EQ(value, expected);
   EXPECT_EQ(s.max_order_polynomial_, 2U);
   EXPECT_EQ(s.max_order_MLS_, 2U);
@@ -139,7 +149,7 @@ TEST(ZORSettings, AreNeverEqualToSettingsOfTheBaseClass) {
 }
 
 TEST(ZORSettings, SetDefaultsLeavesTheBaseAndTheImportance) {
-  ZORSettings changed({4});
+  ZORSettings changed(4);
   ForEachChangedField([&](const std::string&, const ZORSettings& source) {
     const auto take = [&](const char*, auto field, unsigned) {
       if (!(source.*field == ZORSettings(3).*field)) changed.*field = source.*field;
@@ -170,7 +180,10 @@ TEST(ZORSettings, EachSetterSetsItsField) {
       {"use_interpolation_", [](ZORSettings& s) { s.SetUseInterpolation(true); }},
       {"testing_type_", [](ZORSettings& s) { s.SetTestingType(TestingType::kLeaveOneOut); }},
       {"use_limits_", [](ZORSettings& s) { s.SetUseLimits(true); }},
-      {"limits_", [](ZORSettings& s) { s.SetLimits({0.0, 1.0}); }},
+      {"limits_",
+       [](ZORSettings& s) {
+         s.SetLimits({0.0, 1.0});
+       }},
       {"info_important_", [](ZORSettings& s) { s.SetImportantInfo({2}); }},
       {"min_significance_", [](ZORSettings& s) { s.SetMinSignificance(0.5); }},
       {"max_CoI_", [](ZORSettings& s) { s.SetMaxCoI(0.5); }},
@@ -245,9 +258,9 @@ TEST(ZORSettings, CheckReportsAllFaultsInOneRunAndInOrder) {
   settings.SetMinSignificance(2.0);
   settings.SetMaxCoI(2.0);
   settings.SetToleranceCOPVariables(2.0);
-  const std::vector<std::wstring> expected = {
-      L"No model selected.", L"Significance quantile must be between 0 and 1.",
-      L"Importance limit must be between 0 and 1.", L"CoP tolerance of variables must be between 0 and 1."};
+  const std::vector<std::wstring> expected = {L"No model selected.", L"Significance quantile must be between 0 and 1.",
+                                              L"Importance limit must be between 0 and 1.",
+                                              L"CoP tolerance of variables must be between 0 and 1."};
   EXPECT_EQ(Faults(settings), expected);
 }
 
