@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <ostream>
 
 #include "api/handle.h"
 
@@ -62,6 +63,8 @@ struct RefusalCase {
   uint32_t code;
   const char* text;
   void (*change)(const Handle&, Table&);
+
+  friend void PrintTo(const RefusalCase& of, std::ostream* stream) { *stream << of.name; }
 };
 
 class BuildRefusal : public ::testing::TestWithParam<RefusalCase> {};
@@ -193,6 +196,8 @@ TEST(Build, HasNoMemoryForTheLargestCounts) {
 struct HardCase {
   const char* name;
   Table (*make)();
+
+  friend void PrintTo(const HardCase& of, std::ostream* stream) { *stream << of.name; }
 };
 
 class HardData : public ::testing::TestWithParam<HardCase> {};

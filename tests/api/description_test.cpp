@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <ostream>
+
 #include "api/handle.h"
 
 namespace zor_test {
@@ -40,6 +42,8 @@ struct NameFunctions {
   uint32_t (*set)(zor_handle_t, const char* const*, uint32_t);
   uint32_t (*get_count)(zor_handle_t, uint32_t*);
   uint32_t (*get)(zor_handle_t, uint32_t, const char**);
+
+  friend void PrintTo(const NameFunctions& of, std::ostream* stream) { *stream << of.name; }
 };
 
 class Names : public ::testing::TestWithParam<NameFunctions> {

@@ -2,6 +2,7 @@
 
 #include <limits>
 #include <map>
+#include <ostream>
 
 #include "api/handle.h"
 
@@ -20,6 +21,8 @@ struct Option {
     EXPECT_EQ(get(handle, &value), zor_success) << name;
     return value;
   }
+
+  friend void PrintTo(const Option& of, std::ostream* stream) { *stream << of.name; }
 };
 
 template <class Wire>

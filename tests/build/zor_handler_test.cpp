@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <iterator>
 #include <limits>
+#include <ostream>
 #include <sstream>
 
 #include "build/samples.h"
@@ -48,6 +49,8 @@ struct RefusalCase {
   const char* name;
   const char* text;
   void (*change)(SampleTable&, ZORAdvancedSettings&);
+
+  friend void PrintTo(const RefusalCase& of, std::ostream* stream) { *stream << of.name; }
 };
 
 class HandlerRefusal : public ::testing::TestWithParam<RefusalCase> {};

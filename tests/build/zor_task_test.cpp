@@ -4,6 +4,7 @@
 
 #include <boost/thread/thread.hpp>
 #include <limits>
+#include <ostream>
 
 #include "build/samples.h"
 #include "support/exceptions.h"
@@ -26,6 +27,8 @@ struct CleanCase {
   const char* name;
   std::vector<double> output;
   std::vector<std::uint64_t> removed;
+
+  friend void PrintTo(const CleanCase& of, std::ostream* stream) { *stream << of.name; }
 };
 
 class CleanData : public ::testing::TestWithParam<CleanCase> {};
