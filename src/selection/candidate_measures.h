@@ -18,10 +18,10 @@ struct CandidatePredictions {
 /// Sum of squares of y around its mean.
 double TotalSumOfSquares(const VectorIn& y);
 
-/// SSE / SST of a cross-validation prediction, not limited: above 1 for a model worse than the mean. 0 for an empty y or
-/// an SST that is not above 0, NaN for different lengths.
+/// SSE / SST of a cross-validation prediction, not limited: above 1 for a model worse than the mean. 0 for an empty y
+/// or an SST that is not above 0, NaN for different lengths.
 /// @param sst       `TotalSumOfSquares` of y.
-/// @param adjusted  times (n - 1) / (n - p), p the number of parameters (0 counts as 1); infinite where n is not above p.
+/// @param adjusted  times (n - 1) / (n - p), p the number of parameters, at least 1; infinite for n <= p.
 double PredictionError(const VectorIn& y, const VectorIn& y_cv, double sst, std::uint64_t num_parameters,
                        bool adjusted);
 

@@ -7,8 +7,7 @@
 namespace kestrel::math::metamodel {
 namespace {
 
-constexpr double kWorstError = 1000.0;            // an error from here on is not a model
-constexpr std::uint64_t kWorstComplexity = 100;   // above those of all model classes
+constexpr std::uint64_t kWorstComplexity = 100;  // above those of all model classes
 
 // False for a NaN error.
 bool WithinTolerance(const SubspaceResults& result, double best_error, double tolerance) {

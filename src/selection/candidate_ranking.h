@@ -10,6 +10,9 @@
 
 namespace kestrel::math::metamodel {
 
+/// A `predError` from here on is not a model's.
+constexpr double kWorstError = 1000.0;
+
 /// Gathers the best results of all model classes and chooses between them.
 class CandidateRanking {
  public:
@@ -23,7 +26,7 @@ class CandidateRanking {
 
   /// The choice. With e the lowest `predError` (the first of equal ones): of the results with
   /// predError - e <= `toleranceCoP_model_` those with the fewest variables; of these the one of least complexity, the
-  /// last of equal ones. Null if no result has a number below 1000 for its error. Valid until the next change.
+  /// last of equal ones. Null if no result has a number below `kWorstError` for its error. Valid until the next change.
   const SubspaceResults* FindBest(const SearchContext& context) const;
 
   /// Writes both lists at debug level, one line per result.

@@ -9,7 +9,6 @@
 namespace kestrel::math::metamodel {
 namespace {
 
-constexpr double kWorstError = 1000.0;      // an error from here on is not a model
 constexpr double kWorstImportance = 100.0;  // an importance from here on is not compared
 
 }  // namespace
@@ -60,7 +59,8 @@ ModelSearch::Outcome ModelSearch::BuildCandidate(const SurrogateSettingsBase& se
 SubspaceResults ModelSearch::MeasureSurrogate(const SurrogateBase& surrogate) const {
   // The settings after the build carry what was fitted: they are what the measures belong to.
   const SurrogateSettingsBase& settings = surrogate.GetSettingsBase();
-  const CandidatePredictions predictions{surrogate.Approximate(), surrogate.ApproximateCrossValidation(context_.subsets),
+  const CandidatePredictions predictions{surrogate.Approximate(),
+                                         surrogate.ApproximateCrossValidation(context_.subsets),
                                          surrogate.GetNumberCoefficients(), settings.GetNumberParameter()};
   return {Type(), settings,
           MeasureCandidate(context_.response, total_sum_of_squares_, predictions, context_.settings.use_adj_cop_)};

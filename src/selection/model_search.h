@@ -20,7 +20,8 @@ struct CompetitionState {
 };
 
 /// The search of one model class for one response: tries settings on the subspaces, keeps a result for each candidate
-/// that could be built, and hands the best result of each complexity, reduced to the inputs that matter, to the ranking.
+/// that could be built, and hands the best result of each complexity, reduced to the inputs that matter, to the
+/// ranking.
 ///
 /// The frame is the same for all classes; a class says in the private virtual functions what differs.
 class ModelSearch {

@@ -7,8 +7,8 @@
 
 namespace kestrel::math::metamodel {
 
-/// The settings without the terms that the sample cannot tell apart: x_j^k needs k + 1 levels of input j, an interaction
-/// needs two of either input. Settings of an order below 2 are returned as they are.
+/// The settings without the terms that the sample cannot tell apart: x_j^k needs k + 1 levels of input j, an
+/// interaction needs two of either input. Settings of an order below 2 are returned as they are.
 /// @param level_counts  distinct values minus one of each input.
 LinearRegressionSettings RemoveSingularBasisTerms(const LinearRegressionSettings& settings,
                                                   const IndexVector& level_counts);

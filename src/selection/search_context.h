@@ -16,12 +16,12 @@ namespace kestrel::math::metamodel {
 /// What the model searches of one response share: the sample, what was found out about it once, the settings, and the
 /// services of the task. Filled by `Zor`, read by the filters and searches.
 struct SearchContext {
-  Matrix inputs;      ///< N x n, one row per sample
-  Vector response;    ///< length N
+  Matrix inputs;    ///< N x n, one row per sample
+  Vector response;  ///< length N
   ZORSettings settings;
-  IndexVector importance;    ///< working copy of the importance, length n
-  IndexVector level_counts;  ///< distinct values minus one, length n
-  Subsets subsets;           ///< cross-validation subset of each sample; empty: leave one out
+  IndexVector importance;            ///< working copy of the importance, length n
+  IndexVector level_counts;          ///< distinct values minus one, length n
+  Subsets subsets;                   ///< cross-validation subset of each sample; empty: leave one out
   std::uint64_t largest_subset = 0;  ///< samples in the largest subset; 0 where `subsets` is empty
   std::vector<std::wstring> input_names;
   std::wstring response_name;

@@ -92,8 +92,8 @@ class PickAndFreeze {
 
   Index Input(Index position) const { return inputs_[static_cast<std::size_t>(position)]; }
 
-  // A correlated input x_j keeps its residual on x_i: x_j = a + b x_i + residual, so that it moves by b times the change
-  // of x_i.
+  // A correlated input x_j keeps its residual on x_i: x_j = a + b x_i + residual, so that it moves by b times the
+  // change of x_i.
   void TakeFromA(Index position, const std::vector<Index>& moving) {
     const Index i = Input(position);
     const Vector change = support_.x.col(i)(rows_a_) - x_c_.col(i);
@@ -138,7 +138,7 @@ class PickAndFreeze {
   IndexVector rows_b_;
   Vector y_a_;
   Vector y_b_;
-  Matrix x_c_;  ///< sample B but for the columns of the input at hand
+  Matrix x_c_;           ///< sample B but for the columns of the input at hand
   Vector sigmas_;        ///< of the selected inputs
   Matrix correlations_;  ///< between the selected inputs
 };

@@ -85,9 +85,7 @@ SubspaceResults::SubspaceResults(const SubspaceResults& other)
       measures(other.measures),
       singleCoPs(other.singleCoPs) {}
 
-SubspaceResults& SubspaceResults::operator=(const SubspaceResults& other) {
-  return *this = SubspaceResults(other);
-}
+SubspaceResults& SubspaceResults::operator=(const SubspaceResults& other) { return *this = SubspaceResults(other); }
 
 bool SubspaceResults::CompareSettings(const SubspaceResults& other) const {
   return other.settings && CompareSettings(other.model_type, *other.settings);

@@ -21,8 +21,8 @@ enum eModelType : std::int32_t { kNone = 0, kPolynomial = 1, kMLS = 2, kKriging 
 
 /// What tells one candidate from another, as a value to look up: model class, kind of settings, variable selection,
 /// order, kernel type, main terms, interactions, and the kinds of the coordinate, value and limit transformation.
-using CandidateKey = std::tuple<ModelType::eModelType, std::type_index, Selection, std::uint64_t, std::int32_t, Selection,
-                                Selection, eTransformation, eTransformation, eTransformation>;
+using CandidateKey = std::tuple<ModelType::eModelType, std::type_index, Selection, std::uint64_t, std::int32_t,
+                                Selection, Selection, eTransformation, eTransformation, eTransformation>;
 
 CandidateKey MakeCandidateKey(ModelType::eModelType type, const SurrogateSettingsBase& settings);
 
