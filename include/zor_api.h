@@ -37,8 +37,8 @@
  * the caller. A build uses threads of its own, which have ended when it returns.
  */
 
-#include <stddef.h>
-#include <stdint.h>
+#include <stddef.h> /* NOLINT(modernize-deprecated-headers): C reads this, too */
+#include <stdint.h> /* NOLINT(modernize-deprecated-headers) */
 
 #if defined(_WIN32)
 #define ZOR_API

@@ -1,7 +1,7 @@
 #include "api/buffers.h"
 
+#include <algorithm>
 #include <cstdlib>
-#include <cstring>
 #include <new>
 #include <stdexcept>
 
@@ -45,10 +45,10 @@ std::uint32_t WriteRows(const math::Matrix& matrix, std::uint64_t rows, std::uin
 void HandOut(const std::string& text, char** target, std::size_t* length) {
   char*& buffer = Target(target);
   std::size_t& size = Target(length);
-  void* const copy = std::malloc(text.empty() ? 1 : text.size());
+  char* const copy = static_cast<char*>(std::malloc(text.empty() ? 1 : text.size()));
   if (copy == nullptr) throw std::bad_alloc();
-  std::memcpy(copy, text.data(), text.size());
-  buffer = static_cast<char*>(copy);
+  std::copy(text.begin(), text.end(), copy);
+  buffer = copy;
   size = text.size();
 }
 

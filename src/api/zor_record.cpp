@@ -32,6 +32,7 @@ void Require(bool holds, const char* message) {
 /// The names in wide characters, or made-up ones of this prefix if there are none.
 std::vector<std::wstring> WideNames(const std::vector<std::string>& names, wchar_t prefix, std::uint64_t count) {
   std::vector<std::wstring> wide;
+  wide.reserve(count);
   for (const std::string& name : names) wide.push_back(kestrel::string::widen(name));
   if (!wide.empty()) return wide;
   for (std::uint64_t i = 0; i < count; ++i) wide.push_back(prefix + std::to_wstring(i));
