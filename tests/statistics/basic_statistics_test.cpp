@@ -118,14 +118,14 @@ TEST(LinearCorrelation, OfConstantSideIsZero) {
 }
 
 TEST(Correlations, KeepTheirDigitsUnderScaleAndShift) {
-  const Vector x = Numbers({-3, -1, 0, 2, 5, 6});
-  const Vector y = Numbers({4, 1, 1, 3, 9, 20});
+  const Vector x = Numbers({-3, -1, 0, 2, 5, 6, 6});
+  const Vector y = Numbers({4, 1, 1, 3, 9, 20, 18});
   const double linear = CalcLinCC(x, y, false, false);
   const double quadratic = CalcQuadCC(x, y, false, false);
   struct Case {
     double scale, shift;
   };
-  for (const Case& c : {Case{1e300, 0}, Case{-1e250, 0}, Case{1, 1e9}}) {
+  for (const Case& c : {Case{1e300, 0}, Case{-1e250, 0}, Case{1, 0x1p42}}) {
     SCOPED_TRACE(c.scale);
     const Vector moved = (x.array() + c.shift) * c.scale;
     EXPECT_NEAR(CalcLinCC(moved, y, false, false), c.scale < 0 ? -linear : linear, 1e-14);
@@ -144,6 +144,13 @@ TEST(QuadraticCorrelation, SeesTheParabolaThatTheLineMisses) {
   EXPECT_EQ(CalcQuadCC(square, x, false, false), 0.0);
   // Orthogonal to every parabola on these points.
   EXPECT_EQ(CalcQuadCC(x, Numbers({-1, 2, 0, -2, 1}), false, false), 0.0);
+}
+
+TEST(QuadraticCorrelation, KeepsItsDigitsBesideAnOutlier) {
+  const Vector x = Numbers({0, 1e-6, 2e-6, 3e-6, 1});
+  for (const double curve : {3e5, -3e5}) {  // as large as the line
+    EXPECT_NEAR(CalcQuadCC(x, x.array() + curve * x.array() * (1.0 - x.array()), false, false), 1.0, 1e-14);
+  }
 }
 
 TEST(QuadraticCorrelation, IsZeroWhereTheRawDeterminantIsBelowEpsilon) {

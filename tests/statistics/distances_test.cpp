@@ -48,7 +48,7 @@ TEST(MinDistanceFromMatrix, PassesOverCoincidentPoints) {
   d(0, 2) = 5.0;
   d(1, 0) = 0.1;  // below the diagonal
   EXPECT_EQ(CalcMinDistanceFromMatrix(d), 2.0);
-  EXPECT_EQ(CalcMinDistanceFromMatrix(Matrix::Zero(2, 2)), 0.0);
+  EXPECT_EQ(CalcMinDistanceFromMatrix(Matrix::Zero(1, 1)), 0.0);
 }
 
 TEST(DistancesPerDimension, AreSquaredGaps) {

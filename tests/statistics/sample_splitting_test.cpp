@@ -95,7 +95,8 @@ TEST(PotentialSplit, MakesTheBestExchangesInTurn) {
     Index n, inputs;
     std::uint64_t k;
   };
-  for (const Case& c : {Case{10, 1, 5}, Case{13, 2, 5}, Case{20, 4, 3}, Case{24, 2, 4}, Case{30, 8, 5}}) {
+  for (const Case& c :
+       {Case{10, 1, 5}, Case{40, 1, 5}, Case{13, 2, 5}, Case{20, 4, 3}, Case{24, 2, 4}, Case{30, 8, 5}}) {
     SCOPED_TRACE(c.n);
     Matrix inputs = UniformMatrix(c.n, c.inputs, static_cast<std::uint64_t>(c.n), -3.0, 50.0);
     inputs.row(c.n / 2) = inputs.row(0);  // a repeated sample
