@@ -40,12 +40,16 @@ double InputDependence::LargestSquaredCorrelation(const Selection& selection, In
   return largest;
 }
 
+// Column by column, so that equal inputs get the same number to the last bit and the first of them can be preferred.
 void InputDependence::Regress(const Selection& selection) {
   const Matrix P = BuildCoefficientMatrix(points_, selection, Selection());
-  const Matrix coefficients = NormalEquations(P, Vector()).Solve(RightHandSides(P, inputs_, Vector()));
-  const Matrix fits = P * coefficients;
+  const NormalEquations equations(P, Vector());
   r2_.resize(inputs_.cols());
-  for (Index j = 0; j < inputs_.cols(); ++j) r2_(j) = statistics::R2(inputs_.col(j), fits.col(j));
+  for (Index j = 0; j < inputs_.cols(); ++j) {
+    const Vector column = inputs_.col(j);
+    const Vector coefficients = equations.Solve(RightHandSides(P, column, Vector()));
+    r2_(j) = statistics::R2(column, P * coefficients);
+  }
   regressed_ = selection;
 }
 

@@ -117,6 +117,9 @@ TEST(FilterGridSizes, CountTheLimitsOfEachFilter) {
   EXPECT_EQ(defaults.cod, 5U);
   EXPECT_EQ(defaults.correlation, 11U);
   EXPECT_EQ(defaults.MaxSubspaces(), 5U + 2U * 6U * 16U);
+  settings.SetMaxCoI(0.3);
+  settings.SetStepCoI(0.1);  // the quotient is rounded to less than 3
+  EXPECT_EQ(FilterGridSizes(settings).coi, 3U);
   settings.SetUseSignificanceFilter(false);
   settings.SetUseCoIFilter(false);
   settings.SetUseCoDFilter(false);

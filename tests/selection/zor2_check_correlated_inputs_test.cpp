@@ -49,6 +49,11 @@ TEST_F(CheckCorrelatedInputsTest, KeepsTheFirstOfIdenticalInputs) {
   EXPECT_EQ(Check(), Importance({1, 1, 0, 1}));
 }
 
+TEST_F(CheckCorrelatedInputsTest, KeepsTheFirstOfIdenticalInputsWithoutEffect) {
+  x_.col(3) = x_.col(1);
+  EXPECT_EQ(Check(), Importance({1, 1, 1, 0}));
+}
+
 TEST_F(CheckCorrelatedInputsTest, DropsWhatSeveralInputsExplainTogether) {
   x_.col(3) = x_.col(0) + x_.col(1) + x_.col(2);  // correlation with each about 0.58
   EXPECT_EQ(Check(), Importance({1, 1, 1, 0}));

@@ -74,6 +74,31 @@ TEST(StepwisePolynomialBottomUp, PrefersTheIndependentOfTwoInputs) {
   EXPECT_TRUE(StepwisePolynomialBottomUp(context).GetVariableSelection()[1]);
 }
 
+TEST(StepwisePolynomialBottomUp, CountsTheDependenceOfAnInputFromTheLowLimitOn) {
+  Matrix x = Points(200, 3);
+  x.col(1) = 0.4 * x.col(0) + 0.9 * x.col(1);  // squared correlation with input 0 about 0.16
+  const Vector y = 2.0 * x.col(0) + 0.9 * x.col(1) + 0.7 * x.col(2);
+  for (const bool counts : {false, true}) {
+    const auto log = std::make_shared<utils::log::VectorLog>();
+    SearchContext context = MakeContext(x, y, log);
+    context.settings.SetMinInputCorr(counts ? 0.2 : 0.6);
+    StepwisePolynomialBottomUp(context);
+    ASSERT_GT(log->GetEntries().size(), 1U);  // input 0 comes first, then the larger gain or the independent input
+    const std::wstring second = log->GetEntries()[1].second;
+    EXPECT_NE(second.find(counts ? L" main_term 2 dependence 0" : L" main_term 1 dependence 0"), std::wstring::npos);
+  }
+}
+
+TEST(StepwisePolynomialBottomUp, MeasuresInteractionsAgainstTheReducedPolynomial) {
+  const Matrix x = Points(200, 3);
+  const Vector y = x * Eigen::Vector3d(1.0, 1.0, 0.6) + 0.7 * x.col(0).cwiseProduct(x.col(1));
+  SearchContext context = Context(x, y);
+  context.settings.SetToleranceCOPVariables(0.25);  // input 2 explains less and goes, the interaction even less
+  const LinearRegressionSettings found = StepwisePolynomialBottomUp(context);
+  EXPECT_EQ(found.GetVariableSelection(), Inputs(3, {0, 1}));
+  EXPECT_EQ(found.GetInteractionSelection(), Inputs(3, {0}));
+}
+
 TEST(StepwisePolynomialBottomUp, CanBeStopped) {
   SearchContext context = Context(Points(20, 2), Points(20, 1));
   context.stop_helper = std::make_shared<utils::StopHelper>();
@@ -114,6 +139,11 @@ TEST_F(StepwisePolynomialRemoveTest, TakesTheTermsOfTheInput) {
 }
 
 TEST_F(StepwisePolynomialRemoveTest, LeavesTheInputOfTheLastRoundIn) { EXPECT_EQ(LeftBy(1.0), Inputs(4, {0})); }
+
+TEST_F(StepwisePolynomialRemoveTest, TakesOutTheFirstOfEqualInputs) {
+  context_.response.setConstant(1.0);  // no input has any importance
+  EXPECT_EQ(LeftBy(0.0), Inputs(4, {3}));
+}
 
 TEST_F(StepwisePolynomialRemoveTest, TakesOutSelectableInputsOnly) {
   context_.importance << 1, 2, 1, 0;
