@@ -19,8 +19,8 @@ Range RangeOf(const VectorIn& values);
 /// highest - lowest is at or below (|lowest| + |highest|) x tolerance, or NaN.
 bool IsNegligible(const Range& range, double tolerance);
 
-/// A vector whose range is at or below (|max| + |min|) x 2.220446049250313e-13; NaN entries
-/// do not count, an empty vector is constant.
+/// A vector whose range is at or below (|max| + |min|) x 2.220446049250313e-13. NaN entries do not count; an empty
+/// vector is constant.
 bool isConst(const VectorIn& values);
 
 /// A response counts as constant when |eps x mean x 1000| >= sigma, eps the machine epsilon.

@@ -14,7 +14,8 @@ Vector SigmaColwise(const MatrixIn& m, const VectorIn& means);
 Vector SigmaColwise(const MatrixIn& m, const VectorIn& means, const std::vector<bool>& nan_flags);
 Matrix calc_rankOrderColwise(const MatrixIn& m);
 
-/// Correlation of the columns i and j from their given moments: 0.0 for a single row and for a constant column; -1.0
+/// Correlation sum (x - mean_i) (y - mean_j) / ((n - 1) sigma_i sigma_j) of the columns i and j from their given
+/// moments (centred, so that a large mean does not cost digits): 0.0 for a single row and for a constant column; -1.0
 /// for r <= -1 and for a NaN, 1.0 for r > 1, 0.0 for |r| below machine epsilon.
 double CalcCorrelationSimple(const MatrixIn& m, const VectorIn& means, const VectorIn& sigmas, Index i, Index j);
 

@@ -37,7 +37,8 @@ Generator MakeStream(std::uint64_t root_seed, std::uint64_t stream);
 /// The indices 0 to n - 1 in a random order.
 IndexVector RandomPermutation(std::uint64_t n, Generator& generator);
 
-/// `count` indices drawn uniformly from 0 to n - 1, with replacement.
+/// `count` indices drawn uniformly from 0 to n - 1, with replacement. Raises utils::logic_error
+/// for n = 0.
 IndexVector Select_with_Replacement(std::uint64_t n, std::uint64_t count, Generator& generator);
 
 }  // namespace kestrel::math::random
