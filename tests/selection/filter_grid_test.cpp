@@ -2,9 +2,10 @@
 
 #include <gtest/gtest.h>
 
-#include "selection/plain_filter_grid.h"
+#include <cmath>
+
 #include "selection/search_samples.h"
-#include "support/exceptions.h"
+#include "selection/subspace_filters.h"
 #include "support/matrix_compare.h"
 #include "surrogates/sample_data.h"
 
@@ -29,31 +30,25 @@ SearchContext GradedEffects(unsigned seed, Index count = 60) {
   return MakeContext(x, y, std::make_shared<utils::log::VectorLog>());
 }
 
-TEST(FilterGrid, EqualsThePlainWalk) {
-  Index stored = 0;
-  for (const unsigned seed : {1U, 2U, 3U, 4U}) {
-    for (const int variant : {0, 1, 2, 3}) {
-      SCOPED_TRACE(::testing::Message() << "seed " << seed << " variant " << variant);
-      SearchContext context = GradedEffects(seed);
-      context.settings.SetUseSpearman(variant % 2 == 1);
-      context.settings.SetUseAdjustedCoD(variant != 2);
-      if (variant == 1) context.settings.SetMinSignificance(0.5);
-      if (variant >= 2) context.importance(4) = 2;
-      if (variant == 3) context.settings.SetMaxCoI(0.3);
-      const SubspaceCollector found = WalkFilterGrid(context);
-      const testing::PlainFilterGrid expected(context);
-      ASSERT_EQ(found.Size(), static_cast<Index>(expected.subspaces.size()));
-      const Matrix limits = found.LimitMatrix();
-      for (Index k = 0; k < found.Size(); ++k) {
-        const auto position = static_cast<std::size_t>(k);
-        EXPECT_EQ(found.Subspace(k), expected.subspaces[position]) << "subspace " << k;
-        const Eigen::Map<const Vector> expected_limits(expected.limits[position].data(), 7);
-        EXPECT_TRUE(MatrixNear(limits.col(k), expected_limits, 0.0)) << "subspace " << k;
-      }
-      stored += found.Size();
-    }
-  }
-  EXPECT_GT(stored, 16 * 8);  // the comparison had something to compare
+// All 81 points of three levels in four inputs: the inputs do not correlate, and the correlations of the response with
+// them are as 4 : 2 : 1.2 : 0. The squares for the CoD are 16, 4 and 1.44 of 21.44.
+TEST(FilterGrid, KeepsTheFirstLimitsOfEachSubspace) {
+  Matrix x(81, 4);
+  for (int i = 0; i < 81; ++i) x.row(i) << i / 27 - 1.0, i / 9 % 3 - 1.0, i / 3 % 3 - 1.0, i % 3 - 1.0;
+  SearchContext context =
+      MakeContext(x, x * Eigen::Vector4d(4.0, 2.0, 1.2, 0.0), std::make_shared<utils::log::VectorLog>());
+  context.settings.SetUseSignificanceFilter(false);
+  context.settings.SetUseCoIFilter(false);
+  context.settings.SetNumCorrSteps(3);  // levels 0.25, 0.75 and 1.25, which nothing reaches, then 0.999
+  context.settings.SetStepCoD(0.1);
+  context.settings.SetMaxCoD(0.25);
+  const SubspaceCollector found = WalkFilterGrid(context);
+  const IndexMatrix expected = (IndexMatrix(4, 4) << 3, 3, 3, 3, 3, 3, 0, 3, 3, 3, 0, 0, 3, 0, 0, 0).finished();
+  EXPECT_EQ(found.SubspaceMatrix(), expected);
+  Matrix limits = Matrix::Zero(7, 4);
+  limits.row(0).setOnes();
+  limits.row(6) << 0.0, 0.25, 0.75, 0.1;
+  EXPECT_TRUE(MatrixNear(found.LimitMatrix(), limits, 0.0));
 }
 
 TEST(FilterGrid, WithoutFiltersTheOnlyCandidateIsAllInputs) {
@@ -66,17 +61,6 @@ TEST(FilterGrid, WithoutFiltersTheOnlyCandidateIsAllInputs) {
   const SubspaceCollector found = WalkFilterGrid(context);
   EXPECT_EQ(found.SubspaceMatrix(), (IndexVector(8) << 3, 0, 3, 3, 3, 3, 1, 3).finished());
   EXPECT_TRUE(MatrixNear(found.LimitMatrix(), Vector::Unit(7, 0), 0.0));
-}
-
-TEST(FilterGrid, MandatoryInputsSurviveAndExcludedOnesNeverEnter) {
-  SearchContext context = GradedEffects(2);
-  context.importance(5) = 2;  // says nothing
-  context.importance(0) = 0;  // says most
-  context.settings.SetUseSpearman(true);
-  const IndexMatrix found = WalkFilterGrid(context).SubspaceMatrix();
-  EXPECT_GT(found.cols(), 3);
-  EXPECT_TRUE((found.row(5).array() == 3).all());
-  EXPECT_TRUE((found.row(0).array() == 0).all());
 }
 
 TEST(FilterGrid, RanksAddSubspacesForAMonotoneRelation) {
@@ -102,79 +86,44 @@ TEST(FilterGrid, LogsSizesQuantilesAndLimits) {
   EXPECT_EQ(log->GetEntries().back().second.rfind(L"subspace_filter_settings \n", 0), 0U);
 }
 
-TEST(FilterGrid, CanBeStopped) {
-  SearchContext context = GradedEffects(1);
-  context.stop_helper = std::make_shared<utils::StopHelper>();
-  context.stop_helper->RequestStop();
-  EXPECT_THROW(WalkFilterGrid(context), utils::runtime_error);
-}
-
-TEST(FilterGridSizes, CountTheLimitsOfEachFilter) {
+TEST(FilterGridSizes, RoundTheQuotientOfLimitAndStep) {
   ZORSettings settings;
-  const FilterGridSizes defaults(settings);
-  EXPECT_EQ(defaults.significance, 5U);
-  EXPECT_EQ(defaults.coi, 5U);
-  EXPECT_EQ(defaults.cod, 5U);
-  EXPECT_EQ(defaults.correlation, 11U);
-  EXPECT_EQ(defaults.MaxSubspaces(), 5U + 2U * 6U * 16U);
   settings.SetMaxCoI(0.3);
   settings.SetStepCoI(0.1);  // the quotient is rounded to less than 3
   EXPECT_EQ(FilterGridSizes(settings).coi, 3U);
-  settings.SetUseSignificanceFilter(false);
-  settings.SetUseCoIFilter(false);
-  settings.SetUseCoDFilter(false);
-  EXPECT_EQ(FilterGridSizes(settings).MaxSubspaces(), 22U);
 }
-
-struct EndlessCase {
-  const char* name;
-  void (*set)(ZORSettings&);
-};
 
 // Settings that would walk for ever, divide by zero or leave the range of a quantile.
-class EndlessSettings : public ::testing::TestWithParam<EndlessCase> {};
-
-TEST_P(EndlessSettings, EndWithSoundSubspaces) {
-  SearchContext context = GradedEffects(1, 30);
-  GetParam().set(context.settings);
-  const FilterGridSizes sizes(context.settings);
-  EXPECT_LE(sizes.significance, kMaxFilterSteps);
-  EXPECT_LE(sizes.coi, kMaxFilterSteps);
-  EXPECT_LE(sizes.cod, kMaxFilterSteps);
-  EXPECT_LE(sizes.correlation, kMaxFilterSteps + 1);
-
-  const IndexMatrix found = WalkFilterGrid(context).SubspaceMatrix();
-  const IndexVector full = FullSubspace(context.importance, context.level_counts);
-  bool has_full = false;
-  for (Index k = 0; k < found.cols(); ++k) {
-    has_full = has_full || found.col(k) == full;
-    EXPECT_TRUE((found.col(k).array() <= full.array()).all());
+TEST(FilterGrid, EndsWithSoundSubspacesWhateverTheSettings) {
+  const std::pair<const char*, void (*)(ZORSettings&)> cases[] = {
+      {"steps of zero", [](ZORSettings& s) { s.step_significance_ = s.step_CoI_ = s.step_CoD_ = 0.0; }},
+      {"steps of NaN", [](ZORSettings& s) { s.step_significance_ = s.step_CoI_ = s.step_CoD_ = kNan; }},
+      {"vanishing steps", [](ZORSettings& s) { s.step_significance_ = s.step_CoI_ = s.step_CoD_ = 1e-300; }},
+      {"limits of NaN", [](ZORSettings& s) { s.min_significance_ = s.max_CoI_ = s.max_CoD_ = kNan; }},
+      {"infinite limits",
+       [](ZORSettings& s) {
+         s.max_CoI_ = s.max_CoD_ = HUGE_VAL;
+         s.min_significance_ = -HUGE_VAL;
+       }},
+      {"all quantiles", [](ZORSettings& s) { s.min_significance_ = 0.0; }},
+      {"no level", [](ZORSettings& s) { s.num_corr_steps_ = 0; }},
+      {"one level", [](ZORSettings& s) { s.num_corr_steps_ = 1; }},
+      {"levels without end", [](ZORSettings& s) { s.num_corr_steps_ = std::numeric_limits<std::uint64_t>::max(); }},
+  };
+  for (const auto& [name, set] : cases) {
+    SCOPED_TRACE(name);
+    SearchContext context = GradedEffects(1, 30);
+    set(context.settings);
+    const IndexMatrix found = WalkFilterGrid(context).SubspaceMatrix();
+    const IndexVector full = FullSubspace(context.importance, context.level_counts);
+    bool has_full = false;
+    for (Index k = 0; k < found.cols(); ++k) {
+      has_full = has_full || found.col(k) == full;
+      EXPECT_TRUE((found.col(k).array() <= full.array()).all());
+    }
+    EXPECT_TRUE(has_full);
   }
-  EXPECT_TRUE(has_full);
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    FilterGrid, EndlessSettings,
-    ::testing::Values(
-        EndlessCase{"StepsOfZero", [](ZORSettings& s) { s.step_significance_ = s.step_CoI_ = s.step_CoD_ = 0.0; }},
-        EndlessCase{"NegativeSteps", [](ZORSettings& s) { s.step_significance_ = s.step_CoI_ = s.step_CoD_ = -0.01; }},
-        EndlessCase{"StepsOfNaN", [](ZORSettings& s) { s.step_significance_ = s.step_CoI_ = s.step_CoD_ = kNan; }},
-        EndlessCase{"TinySteps", [](ZORSettings& s) { s.step_significance_ = s.step_CoI_ = s.step_CoD_ = 1e-12; }},
-        EndlessCase{"VanishingSteps",
-                    [](ZORSettings& s) { s.step_significance_ = s.step_CoI_ = s.step_CoD_ = 1e-300; }},
-        EndlessCase{"LimitsOfNaN", [](ZORSettings& s) { s.min_significance_ = s.max_CoI_ = s.max_CoD_ = kNan; }},
-        EndlessCase{"InfiniteLimits",
-                    [](ZORSettings& s) {
-                      s.max_CoI_ = s.max_CoD_ = std::numeric_limits<double>::infinity();
-                      s.min_significance_ = -s.max_CoI_;
-                    }},
-        EndlessCase{"AllQuantiles", [](ZORSettings& s) { s.min_significance_ = 0.0; }},
-        EndlessCase{"NoQuantile", [](ZORSettings& s) { s.min_significance_ = 1.0; }},
-        EndlessCase{"NoLevel", [](ZORSettings& s) { s.num_corr_steps_ = 0; }},
-        EndlessCase{"OneLevel", [](ZORSettings& s) { s.num_corr_steps_ = 1; }},
-        EndlessCase{"LevelsWithoutEnd",
-                    [](ZORSettings& s) { s.num_corr_steps_ = std::numeric_limits<std::uint64_t>::max(); }}),
-    [](const auto& tested) { return tested.param.name; });
 
 }  // namespace
 }  // namespace kestrel::math::metamodel

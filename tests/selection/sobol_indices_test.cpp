@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cmath>
 #include <functional>
 #include <limits>
 
@@ -16,7 +15,6 @@ namespace {
 using metamodel::Selection;
 using testing::Inputs;
 using testing::MatrixNear;
-using testing::Noise;
 using testing::RandomPoints;
 
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
@@ -147,12 +145,6 @@ TEST(SobolIndices, LeaveOutPointsWithoutAValue) {
   const double removed = std::stod(text.substr(beginning.size()));
   const double above = 5.0 * 16.0 / static_cast<double>(kept.size());  // share of the sample with one input above 0.5
   EXPECT_NEAR(removed / 10000.0, above * above, 0.01);
-}
-
-TEST(SobolIndices, AreTheSameFromTheSameGenerator) {
-  const FunctionSurrogate surrogate(Grid(9), Inputs(2, {0, 1}), [](const auto& x) { return x(0) + x(0) * x(1); });
-  EXPECT_TRUE(MatrixNear(Indices(surrogate), Indices(surrogate), 0.0));
-  EXPECT_TRUE(MatrixNear(Indices(surrogate, true), Indices(surrogate, true), 0.0));
 }
 
 }  // namespace

@@ -4,8 +4,6 @@
 
 #include <string>
 
-#include "support/exceptions.h"
-
 namespace kestrel::math::metamodel {
 namespace {
 
@@ -48,28 +46,6 @@ TEST(CoIFilterSubspace, KeepsWhatReachesTheLimit) {
   const Vector values = (Vector(5) << 0.2, 0.19, 0.0, 0.9, 0.9).finished();
   EXPECT_EQ(CoIFilterSubspace(subspace, values, 0.2, importance), Codes({3, 0, 3, 0, 0}));
   EXPECT_EQ(CoIFilterSubspace(subspace, values, 0.19, importance), Codes({3, 1, 3, 0, 0}));
-}
-
-TEST(CorrFilterSubspace, KeepsWhatIsAboveAFractionOfTheLargestCorrelation) {
-  Matrix M(2, 4);
-  M << 0.8, 0.1, 0.3, 0.0,  //
-      0.2, 0.5, 0.3, 0.0;
-  const IndexVector subspace = Codes({3, 1, 3, 3});
-  const IndexVector importance = Codes({1, 1, 1, 2});
-  // Between the significance 0.2 and the largest correlation 0.8 the limits are 0.5 (not above it: 0.5) and 0.38.
-  EXPECT_EQ(CorrFilterSubspace(subspace, M, 0.2, 0.5, importance), Codes({3, 0, 0, 3}));
-  EXPECT_EQ(CorrFilterSubspace(subspace, M, 0.2, 0.3, importance), Codes({3, 1, 0, 3}));
-  EXPECT_EQ(CorrFilterSubspace(subspace, M, 0.2, 1.1, importance), Codes({0, 0, 0, 3}));
-}
-
-TEST(CheckImportanceSize, ReportsOtherLengths) {
-  EXPECT_TRUE(CheckImportanceSize(3, 3));
-  try {
-    CheckImportanceSize(2, 3);
-    FAIL() << "accepted";
-  } catch (const utils::runtime_error& error) {
-    EXPECT_EQ(error.What(), L"size of importance vector not consistent to number of variables");
-  }
 }
 
 }  // namespace

@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <cmath>
 #include <limits>
 #include <stdexcept>
 
@@ -65,7 +64,7 @@ TEST(EvaluateMetamodels, FindsAPerfectPolynomial) {
 TEST(EvaluateMetamodels, LogsItsStages) {
   const Matrix inputs = RandomPoints(60, 4, 1);
   const WideLog log = std::make_shared<utils::log::VectorLog>();
-  Zor zor = Evaluated(inputs, Parabola(inputs), Settings(inputs), log);
+  Evaluated(inputs, Parabola(inputs), Settings(inputs), log);
   for (const wchar_t* line :
        {L"===================== Evaluate Metamodels =====================", L" Ranges Input 3 ",
         L"Supports per subset 12 12 12 12 12", L"number CV subsets 5 maximum point number 12",
@@ -73,34 +72,6 @@ TEST(EvaluateMetamodels, LogsItsStages) {
         L" ********** Extract polynomials *************** ", L"Best subspaces ", L"Best reduced subspaces "}) {
     EXPECT_EQ(CountLines(log, line), 1) << line;
   }
-
-  const std::ptrdiff_t results = CountLines(log, L" Complexity ");
-  EXPECT_GT(results, 0);
-  zor.EvaluateMetamodels();  // starts anew
-  EXPECT_EQ(CountLines(log, L" Complexity "), 2 * results);
-}
-
-TEST(EvaluateMetamodels, ReportsTheCoPOfItsCrossValidationValues) {
-  const Matrix inputs = RandomPoints(80, 3, 1);
-  const Vector linear = 2.0 * inputs.col(0) + inputs.col(1) + Noise(80, 0.5, 2);
-  for (const Vector& response : {linear, Vector(linear.array().exp())}) {
-    const Zor zor = Evaluated(inputs, response, Settings(inputs));
-    const Vector cv = zor.GetBestMetamodel()->ApproximateCrossValidation();
-    const double sst = (response.array() - response.mean()).square().sum();
-    EXPECT_NEAR(zor.GetBestCoP(), 1.0 - (response - cv).squaredNorm() / sst, 1e-12);
-    EXPECT_GT(zor.GetBestCoP(), 0.5);
-  }
-}
-
-TEST(EvaluateMetamodels, HandsTheWinnerItsSubsetsAndSingleCoPs) {
-  const Matrix inputs = RandomPoints(40, 2, 1);
-  const Zor zor = Evaluated(inputs, inputs.col(0) + Noise(40, 0.1, 2), Settings(inputs));
-  const std::unique_ptr<SurrogateBase> surrogate = zor.GetBestMetamodel();
-  EXPECT_EQ(zor.GetSubset().size(), 40u);
-  EXPECT_EQ(surrogate->GetSubsets(), zor.GetSubset());
-  EXPECT_TRUE(MatrixNear(surrogate->GetSingleCoPs(), zor.GetBestResult().singleCoPs, 0.0));
-  EXPECT_DOUBLE_EQ(surrogate->GetSingleCoPs()(0, 0), zor.GetBestCoP());  // the only input
-  EXPECT_TRUE(surrogate->ApproximateErrors(inputs).allFinite());
 }
 
 TEST(EvaluateMetamodels, GivesAConstantResponseTheConstant) {
@@ -156,37 +127,6 @@ TEST(EvaluateMetamodels, LeavesOneOutWhereAskedOrWhereSubsetsAreSingleSamples) {
     const Vector cv = zor.GetBestMetamodel()->ApproximateCrossValidation();
     EXPECT_NEAR(zor.GetBestCoP(), statistics::R2(response, cv), 1e-12) << c.name;
   }
-}
-
-TEST(EvaluateMetamodels, RepeatsItselfFromTheSameGenerator) {
-  const Matrix inputs = RandomPoints(230, 3, 1);  // enough for random subsets
-  const Vector response = inputs.col(0) + inputs.col(1).cwiseProduct(inputs.col(2)) + Noise(230, 0.3, 2);
-  const Zor first = Evaluated(inputs, response, Settings(inputs));
-  Zor again = Evaluated(inputs, response, Settings(inputs));
-  EXPECT_TRUE(first.GetBestResult() == again.GetBestResult());
-  EXPECT_EQ(first.GetSubset(), again.GetSubset());
-
-  again.SetGenerator(random::Generator(99));
-  again.EvaluateMetamodels();
-  EXPECT_NE(first.GetSubset(), again.GetSubset());
-}
-
-TEST(EvaluateMetamodels, CollectsResultsAndReportsItsEnd) {
-  const Matrix inputs = RandomPoints(30, 2, 1);
-  Zor zor(inputs, Vector(inputs.col(0)), Names(2), L"force");
-  const auto container = std::make_shared<SubspaceResultContainer>();
-  std::vector<float> progress;
-  zor.Initialize(Settings(inputs));
-  zor.SetSubspaceResultContainer(container);
-  zor.SetProgressCallable([&progress](float fraction) { progress.push_back(fraction); });
-  zor.BuildSubspaces();
-  zor.EvaluateMetamodels();
-  EXPECT_EQ(progress.back(), 1.0F);
-  ASSERT_EQ(container->GetResults().count(L"force"), 1u);
-  SubspaceResults best = zor.GetBestResult();
-  best.singleCoPs.resize(0, 0);
-  const std::vector<SubspaceResults>& collected = container->GetResults().at(L"force");
-  EXPECT_NE(std::find(collected.begin(), collected.end(), best), collected.end());
 }
 
 TEST(EvaluateMetamodels, RefusesWhatHasNotBeenPrepared) {
