@@ -34,15 +34,6 @@ TEST(NoiseLevel, ComparesTheCorrelationsWithTheUnitMatrix) {
   EXPECT_DOUBLE_EQ(StdevCorrQuadPure(quadratic, linear, quadratic), 0.0);
 }
 
-TEST(NoiseLevel, OfOneInputIsZero) {
-  for (const Index n : {0, 1}) {
-    const Matrix unit = Matrix::Identity(n, n);
-    EXPECT_EQ(StdevCorrLin(unit), 0.0);
-    EXPECT_EQ(StdevCorrQuadFull(unit), 0.0);
-    EXPECT_EQ(StdevCorrQuadPure(unit, unit), 0.0);
-  }
-}
-
 TEST(Quantiles, AreThoseOfTheNormalDistribution) {
   for (const double p : {1e-9, 0.05, 0.5, 0.9, 0.99, 0.999999}) {
     const QuantileLimits limits = getQuantiles(2.0, 3.0, 0.5, p);

@@ -34,20 +34,5 @@ TEST(Limits, BuildRefusesAnEmptyRange) {
   EXPECT_TRUE(MatrixNear(half.ScaleBackward(Numbers({-9, 3})), Numbers({-9, 1}), 0.0));
 }
 
-TEST(Limits, CompareAndWriteTheirBounds) {
-  EXPECT_EQ(TransLimits().Str(), L"Limits (-inf, inf)");
-  EXPECT_EQ(TransLimits(-0.5, 1e6).Str(), L"Limits (-0.5, 1e+06)");
-  EXPECT_EQ(TransLimits(1, 2).GetParameters(), (std::vector<double>{1, 2}));
-  const TransLimits limits(1.0, 2.0);
-  TransLimits built = limits;
-  built.Build(Matrix());
-  EXPECT_TRUE(*limits.Clone() == limits);
-  EXPECT_TRUE(*built.Clone() == built);
-  EXPECT_FALSE(built == limits);
-  EXPECT_FALSE(limits == TransLimits(0.0, 2.0));
-  EXPECT_FALSE(limits == TransLimits(1.0, 3.0));
-  EXPECT_FALSE(TransLimits(kNaN, 1.0) == TransLimits(kNaN, 1.0));
-}
-
 }  // namespace
 }  // namespace kestrel::math::transform

@@ -3,11 +3,9 @@
 #include <gtest/gtest.h>
 #include <rapidcheck/gtest.h>
 
-#include <cmath>
 #include <stdexcept>
 
 #include "statistics/sample_data.h"
-#include "statistics/transform/transform_limits.h"
 #include "support/matrix_compare.h"
 
 namespace kestrel::math::transform {
@@ -38,11 +36,9 @@ TEST(MinMax, TellsConstantColumnsByTheRelativeRange) {
     double low, high, largest;  // the scaled value of the second row
   };
   const Case cases[] = {
-      {"constant", 3, 3, 0},
       {"within the tolerance", 1, 1 + 1.9e-12, 1.9e-12},
       {"beyond the tolerance", 1, 1 + 2.1e-12, 1},
       {"tiny", 0, 1e-300, 1},
-      {"huge", 1e300, 2e300, 1},
       {"range beyond the largest double", -1.5e308, 1.5e308, 1},
   };
   for (const Case& c : cases) {
@@ -76,38 +72,6 @@ TEST(MinMax, RefusesWhatItCannotDo) {
   transform.Build(Numbers({1, 2}));
   EXPECT_THROW(transform.Build(Matrix(1, 1)), std::runtime_error);
   EXPECT_EQ(transform.ScaleForward(Numbers({3}))(0), 2.0);  // as it was
-  EXPECT_EQ(transform.ScaleForward(Matrix(0, 4)).cols(), 4);
-  EXPECT_EQ(transform.ScaleBackward(Matrix(4, 0)).rows(), 4);
-}
-
-TEST(MinMax, WritesItsParameters) {
-  TransMinMax transform(0.1, 10.1);
-  EXPECT_EQ(transform.Str(), L"MinMax ( 0.1, 10.1 )");
-  EXPECT_EQ(transform.ParameterStr(), L"");
-  transform.Build(Numbers({1, 6}));
-  EXPECT_EQ(transform.ParameterStr(), L"2 , -1.9 , 0.95 ");
-  transform.Build(testing::UniformMatrix(3, 2, 1));
-  EXPECT_EQ(transform.ParameterStr(), L"");
-  EXPECT_EQ(transform.GetParameters(), (std::vector<double>{0.1, 10.1}));
-}
-
-TEST(MinMax, ComparesStateParametersAndFit) {
-  const TransMinMax unbuilt(0.0, 2.0);
-  TransMinMax built(0.0, 2.0);
-  built.Build(Numbers({1, 2}));
-  TransMinMax other_fit(0.0, 2.0);
-  other_fit.Build(Numbers({1, 3}));
-  TransMinMax wider(0.0, 2.0);
-  wider.Build(Matrix::Identity(2, 2));
-  EXPECT_TRUE(*unbuilt.Clone() == unbuilt);
-  EXPECT_TRUE(unbuilt.Clone()->GetNeedBuild());
-  EXPECT_TRUE(*built.Clone() == built);
-  EXPECT_FALSE(built == unbuilt);
-  EXPECT_FALSE(built == other_fit);
-  EXPECT_FALSE(built == wider);
-  EXPECT_FALSE(unbuilt == TransMinMax(0.0, 3.0));
-  EXPECT_FALSE(TransMinMax(kNaN, 1.0) == TransMinMax(kNaN, 1.0));
-  EXPECT_FALSE(unbuilt == TransLimits(0.0, 2.0));
 }
 
 }  // namespace
