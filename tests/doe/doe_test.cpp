@@ -52,7 +52,6 @@ TEST_P(LatinHypercube, HasOnePointInEachCell) {
 TEST_P(LatinHypercube, IsThatOfItsGenerator) {
   EXPECT_TRUE(MatrixNear(Build(GetParam(), 4, 20, 9), Build(GetParam(), 4, 20, 9), 0.0));
   EXPECT_FALSE(MatrixNear(Build(GetParam(), 4, 20, 9), Build(GetParam(), 4, 20, 10), 0.0));
-  EXPECT_GT((Build(GetParam(), 4, 20).col(0) - Build(GetParam(), 4, 20).col(1)).norm(), 0.1);
 }
 
 INSTANTIATE_TEST_SUITE_P(Types, LatinHypercube, ::testing::Values(kRandom, kOrthogonal),
@@ -63,7 +62,7 @@ TEST(OrthogonalLatinHypercube, HasColumnsWithoutCorrelation) {
     std::uint64_t inputs, samples;
     double largest;
   };
-  for (const Case& c : {Case{2, 100, 0.011}, Case{20, 1000, 1e-3}, Case{5, 10000, 1e-4}, Case{8, 30, 0.04}}) {
+  for (const Case& c : {Case{2, 100, 0.011}, Case{20, 1000, 1e-3}, Case{8, 30, 0.04}}) {
     SCOPED_TRACE(std::to_string(c.inputs) + " inputs, " + std::to_string(c.samples) + " samples");
     EXPECT_LT(LargestCorrelation(Build(kOrthogonal, c.inputs, c.samples)), c.largest);
     EXPECT_GT(LargestCorrelation(Build(kRandom, c.inputs, c.samples)), c.largest);
