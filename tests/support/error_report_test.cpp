@@ -10,23 +10,6 @@
 namespace kestrel::error {
 namespace {
 
-/// Sets the process-wide flag and catches the wide standard error stream for one scope.
-class AssertMode {
- public:
-  AssertMode() : buffer_(std::wcerr.rdbuf(caught_.rdbuf())) { replace_exception_by_assert = true; }
-  AssertMode(const AssertMode&) = delete;
-  AssertMode& operator=(const AssertMode&) = delete;
-  ~AssertMode() {
-    replace_exception_by_assert = false;
-    std::wcerr.rdbuf(buffer_);
-  }
-  std::wstring Caught() const { return caught_.str(); }
-
- private:
-  std::wostringstream caught_;
-  std::wstreambuf* buffer_;
-};
-
 TEST(ErrorReport, RaisesTheComposedMessage) {
   try {
     Report(L"Needs at least ", 3, L" points, got ", 2.5);
@@ -37,10 +20,14 @@ TEST(ErrorReport, RaisesTheComposedMessage) {
 }
 
 TEST(ErrorReport, WritesAndContinuesIfTheFlagIsSet) {
-  const AssertMode mode;
+  std::wostringstream caught;
+  std::wstreambuf* const original = std::wcerr.rdbuf(caught.rdbuf());
+  replace_exception_by_assert = true;
   Report(L"first");
   Report(L"second ", 2);
-  EXPECT_EQ(mode.Caught(), L"first\nsecond 2\n");
+  replace_exception_by_assert = false;
+  std::wcerr.rdbuf(original);
+  EXPECT_EQ(caught.str(), L"first\nsecond 2\n");
 }
 
 }  // namespace

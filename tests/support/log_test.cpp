@@ -2,12 +2,11 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <stdlib.h>
 
-#include <iterator>
 #include <thread>
 
 #include "support/exceptions.h"
+#include "support/temporary_folder.h"
 
 namespace kestrel::utils::log {
 namespace {
@@ -23,36 +22,6 @@ void LogEveryLevel(LogBase& log) {
   log.Information() << L"i" << 8;
   log.Trace() << L"t" << 16;
   log.DetailedInformation() << L"x" << 32;
-}
-
-/// A folder of its own that goes with the scope.
-class TemporaryFolder {
- public:
-  TemporaryFolder() {
-    std::string name = (std::filesystem::temp_directory_path() / "log_test_XXXXXX").string();
-    if (mkdtemp(name.data()) == nullptr) throw std::runtime_error("no temporary folder");
-    path_ = name;
-  }
-  TemporaryFolder(const TemporaryFolder&) = delete;
-  TemporaryFolder& operator=(const TemporaryFolder&) = delete;
-  ~TemporaryFolder() { std::filesystem::remove_all(path_); }
-  const std::filesystem::path& Path() const { return path_; }
-
- private:
-  std::filesystem::path path_;
-};
-
-std::string ReadFile(const std::filesystem::path& path) {
-  std::ifstream file(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), {}};
-}
-
-TEST(LogLevel, HasAWordForEachSingleLevel) {
-  const std::pair<int, const wchar_t*> words[] = {
-      {1, L"ERROR"},        {2, L"DEBUG"},     {4, L"WARNING"},   {8, L"INFO"},       {16, L"TRACE"},
-      {32, L"INFO_DETAIL"}, {0, L"UNDEFINED"}, {3, L"UNDEFINED"}, {64, L"UNDEFINED"},
-  };
-  for (const auto& [value, word] : words) EXPECT_EQ(LevelToString(static_cast<LogLevel>(value)), word) << value;
 }
 
 TEST(StreamLog, SendsErrorsToTheFirstStreamAndTheRestToTheSecond) {
@@ -85,26 +54,26 @@ TEST(StreamLog, KeepsMessagesOfTwoThreadsApart) {
 
 TEST(FileStreamLog, WritesUtf8InAnyLocaleAndAfterEachMessage) {
   const TemporaryFolder folder;
-  const auto path = folder.Path() / "message_log.txt";
+  const auto path = std::filesystem::path(folder.Path("message_log.txt"));
   BasicFileStreamLog log(path);
   log.Error() << L"Gr\u00F6\u00DFe " << L'\U0001F600';
-  EXPECT_EQ(ReadFile(path),
+  EXPECT_EQ(folder.Read("message_log.txt"),
             "ERROR: Gr\xC3\xB6\xC3\x9F"
             "e \xF0\x9F\x98\x80\n");
   log.add(LogLevel::kTrace, {L'a', L'\0', L'\xD800', L'b'});  // neither ends the log
-  EXPECT_THAT(ReadFile(path), ::testing::EndsWith("\nTRACE: a\xEF\xBF\xBD"
-                                                  "b\n"));
+  EXPECT_THAT(folder.Read("message_log.txt"), ::testing::EndsWith("\nTRACE: a\xEF\xBF\xBD"
+                                                                  "b\n"));
 }
 
 TEST(FileStreamLog, AppendsAndMakesFoldersOnlyIfTold) {
   const TemporaryFolder folder;
-  const auto path = folder.Path() / "a" / "b" / "log.txt";
+  const auto path = std::filesystem::path(folder.Path("a/b/log.txt"));
   EXPECT_THROW(BasicFileStreamLog(path, false, false), runtime_error);
   BasicFileStreamLog(path, false, true).Debug() << L"one";
   BasicFileStreamLog(path, true).Debug() << L"two";
-  EXPECT_EQ(ReadFile(path), "DEBUG: one\nDEBUG: two\n");
+  EXPECT_EQ(folder.Read("a/b/log.txt"), "DEBUG: one\nDEBUG: two\n");
   BasicFileStreamLog(path).Debug() << L"three";
-  EXPECT_EQ(ReadFile(path), "DEBUG: three\n");
+  EXPECT_EQ(folder.Read("a/b/log.txt"), "DEBUG: three\n");
 }
 
 TEST(VectorLog, CollectsAndForwardsInOrder) {

@@ -29,10 +29,5 @@ TEST(MatrixNear, TreatsWhatIsNotFinite) {
   EXPECT_FALSE(MatrixNear(Row(kInfinity, 0.0), Row(-kInfinity, 0.0), 1.0));
 }
 
-TEST(MatrixNearRelative, ScalesByTheLargestFiniteMagnitude) {
-  EXPECT_TRUE(MatrixNearRelative(Row(-1000.0, 0.9), Row(-1000.0, 1.0), 1e-3));
-  EXPECT_FALSE(MatrixNearRelative(Row(kInfinity, 0.9), Row(kInfinity, 1.0), 1e-3));
-}
-
 }  // namespace
 }  // namespace kestrel::testing

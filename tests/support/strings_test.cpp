@@ -4,7 +4,6 @@
 #include <rapidcheck/gtest.h>
 
 #include <clocale>
-#include <sstream>
 #include <stdexcept>
 #include <vector>
 
@@ -23,6 +22,16 @@ struct Conversion {
   bool throws;
 };
 
+template <class Input, class Function>
+std::string TextOfThrow(const Input& input, Function convert) {
+  try {
+    convert(input, Mode::kThrow);
+  } catch (const std::domain_error& error) {
+    return error.what();
+  }
+  return "";
+}
+
 template <class Input, class Output, class Function>
 void ExpectConversions(const std::vector<Conversion<Input, Output>>& table, Function convert) {
   for (const auto& row : table) {
@@ -30,7 +39,7 @@ void ExpectConversions(const std::vector<Conversion<Input, Output>>& table, Func
     EXPECT_EQ(convert(row.input, Mode::kSkip), row.skipped);
     EXPECT_EQ(convert(row.input, Mode::kReplace), row.replaced);
     if (row.throws) {
-      EXPECT_THROW(convert(row.input, Mode::kThrow), std::domain_error);
+      EXPECT_EQ(TextOfThrow(row.input, convert), "invalid input character");
     } else {
       EXPECT_EQ(convert(row.input, Mode::kThrow), row.replaced);
     }
@@ -39,56 +48,24 @@ void ExpectConversions(const std::vector<Conversion<Input, Output>>& table, Func
 
 TEST(FromUtf8, DecodesValidTextAndFindsBadRuns) {
   const std::vector<Conversion<std::string, std::wstring>> table = {
-      {"empty", "", L"", L"", false},
       {"ends of the one-byte range", "\x01\x7F", L"\x01\x7F", L"\x01\x7F", false},
       {"ends of the two-byte range", "\xC2\x80\xDF\xBF", L"\x80\x7FF", L"\x80\x7FF", false},
       {"ends of the three-byte range", "\xE0\xA0\x80\xEF\xBF\xBF", L"\x800\xFFFF", L"\x800\xFFFF", false},
       {"around the surrogates", "\xED\x9F\xBF\xEE\x80\x80", L"\xD7FF\xE000", L"\xD7FF\xE000", false},
       {"ends of the four-byte range", "\xF0\x90\x80\x80\xF4\x8F\xBF\xBF", L"\x10000\x10FFFF", L"\x10000\x10FFFF",
        false},
-      {"run of bad bytes",
-       "a\xFF\xFF"
-       "b",
-       L"ab", L"a?b", true},
-      {"two runs",
-       "\xFF"
-       "a\x80\x80",
-       L"a", L"?a?", true},
-      {"overlong two bytes",
-       "\xC0\xAF"
-       "a",
-       L"a", L"?a", true},
-      {"overlong three bytes",
-       "\xE0\x9F\xBF"
-       "a",
-       L"a", L"?a", true},
-      {"overlong four bytes",
-       "\xF0\x8F\xBF\xBF"
-       "a",
-       L"a", L"?a", true},
-      {"first surrogate",
-       "\xED\xA0\x80"
-       "a",
-       L"a", L"?a", true},
-      {"last surrogate",
-       "\xED\xBF\xBF"
-       "a",
-       L"a", L"?a", true},
-      {"above the last value",
-       "\xF4\x90\x80\x80"
-       "a",
-       L"a", L"?a", true},
-      {"five-byte form",
-       "\xF8\x88\x80\x80\x80"
-       "a",
-       L"a", L"?a", true},
-      {"cut off by a letter",
-       "\xE2\x82"
-       "a",
-       L"a", L"?a", true},
+      {"run of bad bytes", "a\xFF\xFFz", L"az", L"a?z", true},
+      {"two runs", "\xFFz\x80\x80", L"z", L"?z?", true},
+      {"overlong two bytes", "\xC0\xAFz", L"z", L"?z", true},
+      {"overlong three bytes", "\xE0\x9F\xBFz", L"z", L"?z", true},
+      {"overlong four bytes", "\xF0\x8F\xBF\xBFz", L"z", L"?z", true},
+      {"first surrogate", "\xED\xA0\x80z", L"z", L"?z", true},
+      {"last surrogate", "\xED\xBF\xBFz", L"z", L"?z", true},
+      {"above the last value", "\xF4\x90\x80\x80z", L"z", L"?z", true},
+      {"five-byte form", "\xF8\x88\x80\x80\x80z", L"z", L"?z", true},
+      {"cut off by a letter", "\xE2\x82z", L"z", L"?z", true},
       {"cut off by the end", "a\xF0\x9F\x98", L"a", L"a?", true},
       {"bad, then valid", "\xE2\xC3\xA9", L"\xE9", L"?\xE9", true},
-      {"zero character", std::string("a\0b", 3), L"a", L"a", false},
       {"bad after the zero character", std::string("a\0\xFF", 3), L"a", L"a", false},
   };
   ExpectConversions(table, [](const std::string& text, Mode mode) { return from_utf8(text, mode, L'?'); });
@@ -96,7 +73,6 @@ TEST(FromUtf8, DecodesValidTextAndFindsBadRuns) {
 
 TEST(ToUtf8, EncodesValidTextAndFindsBadRuns) {
   const std::vector<Conversion<std::wstring, std::string>> table = {
-      {"empty", L"", "", "", false},
       {"ends of the two-byte range", L"\x80\x7FF", "\xC2\x80\xDF\xBF", "\xC2\x80\xDF\xBF", false},
       {"around the surrogates", L"\xD7FF\xE000", "\xED\x9F\xBF\xEE\x80\x80", "\xED\x9F\xBF\xEE\x80\x80", false},
       {"run of surrogates", {L'a', wchar_t{0xD800}, wchar_t{0xDFFF}, L'b'}, "ab", "a?b", true},
@@ -105,24 +81,6 @@ TEST(ToUtf8, EncodesValidTextAndFindsBadRuns) {
       {"zero character", std::wstring(L"a\0b", 3), "a", "a", false},
   };
   ExpectConversions(table, [](const std::wstring& text, Mode mode) { return to_utf8(text, mode, L'?'); });
-}
-
-TEST(ToUtf8, DropsAReplacementThatHasNoForm) {
-  EXPECT_EQ(to_utf8(std::wstring{L'a', wchar_t{0xD800}}, Mode::kReplace, wchar_t{0xD800}), "a");
-}
-
-TEST(Utf8, StrictModeSaysWhy) {
-  try {
-    from_utf8("\xFF", Mode::kThrow);
-    FAIL() << "nothing was raised";
-  } catch (const std::domain_error& error) {
-    EXPECT_STREQ(error.what(), "invalid input character");
-  }
-}
-
-TEST(Utf8, WidenAndNarrowReplaceWithTheReplacementCharacter) {
-  EXPECT_EQ(widen("a\xFF"), L"a\uFFFD");
-  EXPECT_EQ(narrow(std::wstring{L'a', wchar_t{0xDC00}}), "a\xEF\xBF\xBD");
 }
 
 RC_GTEST_PROP(Utf8, ReturnsEveryWideText, ()) {
@@ -135,13 +93,6 @@ RC_GTEST_PROP(Utf8, MakesValidTextOfAnyBytes, (const std::string& bytes)) {
   RC_ASSERT(widen(narrow(widen(bytes))) == widen(bytes));
 }
 
-TEST(BoundStream, WritesIntoTheCallersString) {
-  std::wstring text = L"x";
-  basic_ostringstream<wchar_t> stream(text);
-  stream << 1 << L' ' << L"two" << std::endl;
-  EXPECT_EQ(text, L"x1 two\n");
-}
-
 TEST(VariableName, FollowsTheIdentifierRule) {
   const wchar_t* const valid[] = {L"a", L"Z", L"_", L"a.b'c_1", L"_1", L"a.", L"Pi", L"pi", L"E", L"I", L"sin", L"iff"};
   for (const auto* name : valid) EXPECT_TRUE(detail::CheckVariableNameDefault(name, true)) << narrow(name);
@@ -152,18 +103,6 @@ TEST(VariableName, FollowsTheIdentifierRule) {
     EXPECT_FALSE(detail::CheckVariableNameDefault(name, false)) << narrow(name);
   }
   EXPECT_FALSE(detail::CheckVariableNameDefault(std::wstring_view(L"a\0b", 3), true));
-}
-
-TEST(VariableName, StrictRefusesTheReservedWords) {
-  const wchar_t* const reserved[] = {
-      L"SPLINE",   L"LINEAR",   L"CONSTANT",  L"MIRROR",   L"REVERSE_MIRROR", L"TANGENTIAL",  L"FORWARD", L"BACKWARD",
-      L"UNIFORM",  L"NORMAL",   L"LOGNORMAL", L"TRIANGLE", L"CAUCHY",         L"EXPONENTIAL", L"LOWPASS", L"HIGHPASS",
-      L"BANDPASS", L"BANDSTOP", L"PI",        L"TRUE",     L"FALSE",          L"QUAD",        L"ZERO"};
-  for (const std::wstring name : reserved) {
-    EXPECT_FALSE(detail::CheckVariableNameDefault(name, true)) << narrow(name);
-    EXPECT_TRUE(detail::CheckVariableNameDefault(name, false)) << narrow(name);
-    EXPECT_TRUE(detail::CheckVariableNameDefault(name + L"1", true)) << narrow(name);
-  }
 }
 
 TEST(VariableName, TakesTheLettersOfTheProcessLocale) {
