@@ -34,27 +34,6 @@ TEST(Report, IsATableForPeople) {
                 "kraft: CoP by leaving out each design in turn, 7 of 12 designs (the others have no finite value).\n");
 }
 
-TEST(Report, WrapsManyInputsBelowEachOther) {
-  Report report;
-  OutputReport output{"y", "Linear Regression | 1", "polynomial", 0.5, {}, {}, 9, 3};
-  for (std::size_t input = 0; input < 9; ++input) {
-    report.inputs.push_back("input_" + std::to_string(input));
-    output.single_cops.push_back(0.1);
-    output.kept_inputs.push_back(input);
-  }
-  report.designs = 9;
-  report.outputs = {output};
-  std::ostringstream text;
-  PrintTable(text, report);
-  const std::string indent(47, ' ');
-  EXPECT_EQ(text.str(), "output  model                  inputs  CoP     inputs by single CoP\n" +
-                            std::string(110, '-') +
-                            "\ny       Linear Regression | 1  9 of 9  0.5000  "
-                            "input_0 0.1000, input_1 0.1000, input_2 0.1000, input_3 0.1000,\n" +
-                            indent + "input_4 0.1000, input_5 0.1000, input_6 0.1000, input_7 0.1000,\n" + indent +
-                            "input_8 0.1000\n\nCoP by cross-validation in 3 groups, 9 designs.\n");
-}
-
 TEST(Report, IsOneObjectForPrograms) {
   std::ostringstream text;
   PrintJson(text, TwoOutputs(), {1.5, kNan, 2.0, 0.1});
