@@ -21,5 +21,5 @@ build=(cmake --build --preset "$preset" ${1:+--target "$@"})
 if [ -t 1 ]; then
   "${build[@]}"
 else
-  "${build[@]}" -- --quiet | { grep -v '^ninja: no work to do' || true; }
+  "${build[@]}" -- --quiet | { grep -vE '^(-- |ninja: no work to do)' || true; }
 fi

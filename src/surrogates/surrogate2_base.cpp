@@ -26,7 +26,10 @@ bool SameTransform(const TransformPointer& a, const TransformPointer& b) {
 
 /// True if both would fit the same data alike: the same kind with the same parameters.
 bool SameFit(const TransformPointer& a, const TransformPointer& b) {
-  return a && b && typeid(*a) == typeid(*b) && a->GetParameters() == b->GetParameters();
+  if (!a || !b) return false;
+  const transform::Transform& first = *a;
+  const transform::Transform& second = *b;
+  return typeid(first) == typeid(second) && first.GetParameters() == second.GetParameters();
 }
 
 std::wstring StrOf(const TransformPointer& source) { return source ? source->Str() : L"none"; }
