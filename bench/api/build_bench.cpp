@@ -30,8 +30,10 @@ double Response(const double* x, std::uint32_t inputs, std::uint32_t output) {
 }
 
 Problem MakeProblem(const benchmark::State& state) {
-  Problem problem{static_cast<std::uint32_t>(state.range(0)), static_cast<std::uint32_t>(state.range(1)),
-                  static_cast<std::uint32_t>(state.range(2)), {}};
+  Problem problem{static_cast<std::uint32_t>(state.range(0)),
+                  static_cast<std::uint32_t>(state.range(1)),
+                  static_cast<std::uint32_t>(state.range(2)),
+                  {}};
   std::mt19937_64 generator(1);
   const auto uniform = [&] { return static_cast<double>(generator()) * 0x1p-63 - 1.0; };
   for (std::uint32_t row = 0; row < problem.designs; ++row) {

@@ -20,8 +20,8 @@ const LinearRegressionSettings& ConvertSettings(const SurrogateSettingsBase& set
   try {
     return dynamic_cast<const LinearRegressionSettings&>(settings);
   } catch (const std::bad_cast& error) {
-    throw std::logic_error(
-        std::string("Initialize Linear Regression failed. Could not convert surrogate setting : ") + error.what());
+    throw std::logic_error(std::string("Initialize Linear Regression failed. Could not convert surrogate setting : ") +
+                           error.what());
   }
 }
 
@@ -132,9 +132,9 @@ Vector LinearRegression::ApproximateLeaveOneOut() const {
   if (need_build_) return NoValues(points_.rows());
   const Vector values = ForwardValues();
   const Vector residuals = values - coefficient_matrix_ * coefficients_;
-  const Vector leverages = normal_equations_
-                               ? normal_equations_->Leverages(coefficient_matrix_, weights_)
-                               : NormalEquations(coefficient_matrix_, weights_).Leverages(coefficient_matrix_, weights_);
+  const Vector leverages =
+      normal_equations_ ? normal_equations_->Leverages(coefficient_matrix_, weights_)
+                        : NormalEquations(coefficient_matrix_, weights_).Leverages(coefficient_matrix_, weights_);
   return TransformBack(values.array() - residuals.array() / (1.0 - leverages.array()));
 }
 

@@ -70,7 +70,8 @@ void LinearRegressionSettings::DeselectInputInteractionTerms(std::uint64_t input
 
 Selection LinearRegressionSettings::GetVariableMainTermSelection() const {
   Selection variables(ninputs_);
-  for (auto bit = main_term_selection_.find_first(); bit != Selection::npos; bit = main_term_selection_.find_next(bit)) {
+  for (auto bit = main_term_selection_.find_first(); bit != Selection::npos;
+       bit = main_term_selection_.find_next(bit)) {
     variables.set(bit % ninputs_);
   }
   return variables;

@@ -28,8 +28,7 @@ Candidate MakeCandidate(LinearRegressionSettings settings, std::uint64_t order, 
   settings.SetMainTermSelection(BuildMainTermSelectionFromSubspace(main_terms));
   // An all-zero subspace has order 0 and no term: the settings keep the size that their order wants.
   if (settings.GetMainTermSelection().empty()) {
-    settings.SetMainTermSelection(
-        BuildMainTermSelection(static_cast<std::uint64_t>(main_terms.size()), order, false));
+    settings.SetMainTermSelection(BuildMainTermSelection(static_cast<std::uint64_t>(main_terms.size()), order, false));
   }
   settings.SetInteractionSelection(std::move(interactions));
   Candidate candidate;

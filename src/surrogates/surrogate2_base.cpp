@@ -5,10 +5,10 @@
 #include <stdexcept>
 #include <typeinfo>
 
+#include "statistics/transform/transform_minmax.h"
 #include "support/error_report.h"
 #include "support/exceptions.h"
 #include "support/matrix_equality.h"
-#include "statistics/transform/transform_minmax.h"
 
 namespace kestrel::math::metamodel {
 namespace {
@@ -79,9 +79,8 @@ void SurrogateBase::Initialize(const SurrogateSettingsBase& settings) {
   try {
     InitializeImpl(settings);
   } catch (const std::exception& error) {
-    const std::wstring message =
-        utils::exception_what(error) +
-        L"\nThe surrogate can not be initialized. An error in the settings is very likely.";
+    const std::wstring message = utils::exception_what(error) +
+                                 L"\nThe surrogate can not be initialized. An error in the settings is very likely.";
     log_->add(utils::log::LogLevel::kError, message);
     throw utils::runtime_error(message);
   }

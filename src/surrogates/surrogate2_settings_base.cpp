@@ -14,7 +14,8 @@ using transform::TransBoxCox;
 using transform::TransLimits;
 using transform::TransMinMax;
 
-std::unique_ptr<transform::Transform> CreateTransformation(eTransformation type, const std::vector<double>& parameters) {
+std::unique_ptr<transform::Transform> CreateTransformation(eTransformation type,
+                                                           const std::vector<double>& parameters) {
   switch (type) {
     case eTransformation::kNone: return nullptr;
     case eTransformation::kMinMax:

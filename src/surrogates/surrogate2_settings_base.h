@@ -37,9 +37,15 @@ class SurrogateSettingsBase {
   virtual void SetCoordTransformation(eTransformation type) { coord_transform_ = type; }
   virtual void SetValueTransformation(eTransformation type) { value_transform_ = type; }
   virtual void SetLimitTransformation(eTransformation type) { limit_transform_ = type; }
-  virtual void SetCoordTransformationParameter(std::vector<double> values) { coord_transform_parameter_ = std::move(values); }
-  virtual void SetValueTransformationParameter(std::vector<double> values) { value_transform_parameter_ = std::move(values); }
-  virtual void SetLimitTransformationParameter(std::vector<double> values) { limit_transform_parameter_ = std::move(values); }
+  virtual void SetCoordTransformationParameter(std::vector<double> values) {
+    coord_transform_parameter_ = std::move(values);
+  }
+  virtual void SetValueTransformationParameter(std::vector<double> values) {
+    value_transform_parameter_ = std::move(values);
+  }
+  virtual void SetLimitTransformationParameter(std::vector<double> values) {
+    limit_transform_parameter_ = std::move(values);
+  }
   virtual Selection GetVariableSelection() const = 0;
   virtual const Selection& GetMainTermSelection() const = 0;
   virtual const Selection& GetInteractionSelection() const = 0;

@@ -79,8 +79,7 @@ TEST(LinearRegression, CrossValidatesOnTheScaleOfTheFit) {
 
   const Vector z = regression.GetTransValue()->ScaleForward(values);
   const LinearRegression transformed = Built(points, z, Terms(1, 1, false));
-  const Vector expected =
-      regression.GetTransValue()->ScaleBackward(transformed.ApproximateCrossValidation(subsets));
+  const Vector expected = regression.GetTransValue()->ScaleBackward(transformed.ApproximateCrossValidation(subsets));
   EXPECT_TRUE(MatrixNear(regression.ApproximateCrossValidation(subsets), expected, 1e-10));
 }
 
@@ -161,8 +160,8 @@ TEST(LinearRegression, OneObjectServesManyCandidates) {
   const Vector values = Polynomial(points) + Noise(40, 0.1, 2);
   LinearRegressionSettings unscaled = Terms(3, 1, false);
   unscaled.SetCoordTransformation(eTransformation::kNone);
-  const LinearRegressionSettings candidates[] = {
-      Terms(3, 1, false), Terms(3, 1, false, eTransformation::kBoxCox), unscaled, Terms(3, 2, true), Terms(3, 1, false)};
+  const LinearRegressionSettings candidates[] = {Terms(3, 1, false), Terms(3, 1, false, eTransformation::kBoxCox),
+                                                 unscaled, Terms(3, 2, true), Terms(3, 1, false)};
   LinearRegression shared(points, values);
   for (const LinearRegressionSettings& candidate : candidates) {
     LinearRegression fresh(points, values);
@@ -209,8 +208,8 @@ TEST(LinearRegression, IsTheMeanWithoutTerms) {
 
 TEST(LinearRegression, WritesItsFunctionInOriginalUnits) {
   const Matrix points = RandomPoints(20, 2, 1);
-  const Vector values =
-      1.5 + 2.0 * points.col(0).array() - 0.25 * points.col(1).array().square() + points.col(0).array() * points.col(1).array();
+  const Vector values = 1.5 + 2.0 * points.col(0).array() - 0.25 * points.col(1).array().square() +
+                        points.col(0).array() * points.col(1).array();
   LinearRegressionSettings settings = Terms(2, 2, true);
   settings.SetMainTermSelection(Selection(std::string("1001")));
   settings.SetInputNames({L"p", L"q"});

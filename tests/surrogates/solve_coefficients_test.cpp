@@ -14,7 +14,8 @@ using testing::Noise;
 using testing::RandomPoints;
 
 /// Predictions of each subset by a plain refit in which its samples have weight 0.
-Vector PlainRefits(const Matrix& P, const Vector& values, const Vector& weights, const std::vector<std::uint64_t>& subsets) {
+Vector PlainRefits(const Matrix& P, const Vector& values, const Vector& weights,
+                   const std::vector<std::uint64_t>& subsets) {
   Vector predictions(values.size());
   for (std::size_t i = 0; i < subsets.size(); ++i) {
     Vector group_weights = weights.size() > 0 ? weights : Vector(Vector::Ones(values.size()));

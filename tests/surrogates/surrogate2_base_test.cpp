@@ -54,9 +54,7 @@ TEST(SurrogateErrors, AgreeWithPlainLoops) {
 
   const Eigen::RowVectorXd low = points.colwise().minCoeff();
   const Eigen::RowVectorXd range = points.colwise().maxCoeff() - low;
-  const auto scale = [&](const Matrix& m) {
-    return Matrix((m.rowwise() - low).array().rowwise() / range.array());
-  };
+  const auto scale = [&](const Matrix& m) { return Matrix((m.rowwise() - low).array().rowwise() / range.array()); };
   const Matrix scaled = scale(points);
   const Vector residuals = values - regression.ApproximateLeaveOneOut();
   for (Index q = 0; q < query.rows(); ++q) {
@@ -64,7 +62,8 @@ TEST(SurrogateErrors, AgreeWithPlainLoops) {
     EXPECT_TRUE(MatrixNear(errors.row(q).head(4).transpose(), expected, 1e-10));
   }
   const double radius = statistics::CalcRadii(scaled, 5).mean();
-  EXPECT_TRUE(MatrixNear(errors.col(4), statistics::CalcDensity(scale(query), scaled, Selection(2).set(), radius), 1e-10));
+  EXPECT_TRUE(
+      MatrixNear(errors.col(4), statistics::CalcDensity(scale(query), scaled, Selection(2).set(), radius), 1e-10));
 }
 
 TEST(SurrogateErrors, OfConstantAndOfExactModelsAreNone) {
@@ -85,7 +84,8 @@ TEST(SurrogateBase, KeepsResidualsUntilSettingsOrSubsetsChange) {
   Subsets subsets;
   for (std::uint64_t i = 0; i < 30; ++i) subsets.push_back(i % 5);
   ASSERT_TRUE(regression.BuildErrors(subsets));
-  EXPECT_TRUE(MatrixNear(regression.ApproximateCrossValidation(), regression.ApproximateCrossValidation(subsets), 1e-15));
+  EXPECT_TRUE(
+      MatrixNear(regression.ApproximateCrossValidation(), regression.ApproximateCrossValidation(subsets), 1e-15));
   ASSERT_TRUE(regression.BuildErrors({}));
   EXPECT_TRUE(MatrixNear(regression.ApproximateCrossValidation(), regression.ApproximateLeaveOneOut(), 1e-15));
   regression.SetSubsets(subsets);
@@ -109,7 +109,8 @@ TEST(SurrogateBase, GradientsAreNaNOnlyForUsedConstantInputs) {
 
 TEST(SurrogateBase, SelectsColumnsByCount) {
   const Matrix points = RandomPoints(4, 3, 1);
-  EXPECT_TRUE(MatrixNear(SelectVariablesFromPoints(points, Selection(std::string("101"))), points(Eigen::all, {0, 2}), 0.0));
+  EXPECT_TRUE(
+      MatrixNear(SelectVariablesFromPoints(points, Selection(std::string("101"))), points(Eigen::all, {0, 2}), 0.0));
   EXPECT_TRUE(MatrixNear(SelectVariablesFromPoints(points, Selection(3).set()), points, 0.0));
   EXPECT_EQ(SelectVariablesFromPoints(points, Selection(3)).cols(), 0);
   EXPECT_EQ(SelectVariablesFromPoints(Matrix(4, 0), Selection()).rows(), 4);

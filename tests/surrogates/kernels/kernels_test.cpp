@@ -3,9 +3,9 @@
 #include <cmath>
 #include <stdexcept>
 
+#include "support/matrix_compare.h"
 #include "surrogates/kernels/kernel_base.h"
 #include "surrogates/kernels/kernel_constant_influence.h"
-#include "support/matrix_compare.h"
 #include "surrogates/sample_data.h"
 
 namespace kestrel::math::metamodel {
@@ -46,13 +46,18 @@ TEST(Kernels, FallToAThousandthAtTheRadius) {
   const Matrix support = (Matrix(2, 2) << 0.0, 0.0, 1.5, -2.0).finished();  // the second at distance 2.5
   const Vector expected = (Vector(2) << 1.0, 0.001).finished();
   const Vector origin = Vector::Zero(2);
-  EXPECT_TRUE(MatrixNear(CreateKernel(Kernel::kConstInflIsoExp, One(radius))->EvaluatePoint(origin, support), expected, 1e-12));
-  EXPECT_TRUE(MatrixNear(CreateKernel(Kernel::kConstInflExp, Vector::Constant(2, radius))->EvaluatePoint(origin, support), expected, 1e-12));
-  EXPECT_TRUE(MatrixNear(CreateKernel(Kernel::kNodalInflExp, One(2.9))->EvaluatePoint(origin, support), expected, 1e-12));
+  EXPECT_TRUE(
+      MatrixNear(CreateKernel(Kernel::kConstInflIsoExp, One(radius))->EvaluatePoint(origin, support), expected, 1e-12));
+  EXPECT_TRUE(
+      MatrixNear(CreateKernel(Kernel::kConstInflExp, Vector::Constant(2, radius))->EvaluatePoint(origin, support),
+                 expected, 1e-12));
+  EXPECT_TRUE(
+      MatrixNear(CreateKernel(Kernel::kNodalInflExp, One(2.9))->EvaluatePoint(origin, support), expected, 1e-12));
   const auto regularized = CreateKernel(Kernel::kConstInflIsoReg, One(radius));
   EXPECT_NEAR(regularized->EvaluateDistance(0.0), 1e10, 2.0);
   EXPECT_EQ(regularized->EvaluateDistance(radius * radius * 1.0001), 0.0);
-  EXPECT_NEAR(regularized->EvaluateDistance(radius * radius / 4.0), std::pow(0.25 + 1e-5, -2.0) - std::pow(1.0 + 1e-5, -2.0), 1e-12);
+  EXPECT_NEAR(regularized->EvaluateDistance(radius * radius / 4.0),
+              std::pow(0.25 + 1e-5, -2.0) - std::pow(1.0 + 1e-5, -2.0), 1e-12);
 }
 
 TEST(Kernels, StretchEachInputByItsOwnRadius) {
