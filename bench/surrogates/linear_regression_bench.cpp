@@ -65,6 +65,18 @@ void GroupedCrossValidation(benchmark::State& state) {
   for (auto _ : state) benchmark::DoNotOptimize(regression.ApproximateCrossValidation(problem.subsets));
 }
 
+/// One fit as it is written down: basis, whole product P'P, factor, coefficients, fitted values.
+void PlainFit(benchmark::State& state) {
+  const Problem problem(state);
+  for (auto _ : state) {
+    const Matrix P = BuildCoefficientMatrix(problem.points, problem.settings.GetMainTermSelection(),
+                                            problem.settings.GetInteractionSelection());
+    const Matrix normal = P.transpose() * P;
+    const Vector coefficients = Eigen::LDLT<Matrix>(normal).solve(P.transpose() * problem.values);
+    benchmark::DoNotOptimize((P * coefficients).eval());
+  }
+}
+
 /// One fit from the settings on, the basis included.
 void Fit(benchmark::State& state) {
   const Problem problem(state);
@@ -103,6 +115,7 @@ void Shapes(benchmark::internal::Benchmark* bench) { bench->Args({200, 5})->Args
 
 BENCHMARK(ProductAndSolves)->Apply(Shapes)->Unit(benchmark::kMicrosecond);
 BENCHMARK(GroupedCrossValidation)->Apply(Shapes)->Unit(benchmark::kMicrosecond);
+BENCHMARK(PlainFit)->Apply(Shapes)->Unit(benchmark::kMicrosecond);
 BENCHMARK(Fit)->Apply(Shapes)->Unit(benchmark::kMicrosecond);
 BENCHMARK(BoxCoxSearch)->Apply(Shapes)->Unit(benchmark::kMicrosecond);
 BENCHMARK(Approximate)->Apply(Shapes)->Unit(benchmark::kMicrosecond);
