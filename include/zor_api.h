@@ -40,11 +40,7 @@
 #include <stddef.h> /* NOLINT(modernize-deprecated-headers): C reads this, too */
 #include <stdint.h> /* NOLINT(modernize-deprecated-headers) */
 
-#if defined(_WIN32)
-#define ZOR_API
-#else
 #define ZOR_API __attribute__((visibility("default")))
-#endif
 
 #ifdef __cplusplus
 extern "C" {
