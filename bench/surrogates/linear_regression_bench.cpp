@@ -77,8 +77,9 @@ void PlainFit(benchmark::State& state) {
   }
 }
 
-/// One fit from the settings on, the basis included.
-void Fit(benchmark::State& state) {
+/// A build from the settings on, the basis included.
+template <class Build>
+void BuildFromSettings(benchmark::State& state, Build build) {
   const Problem problem(state);
   LinearRegressionSettings other_terms = problem.settings;
   other_terms.SetOrder(1);
@@ -86,20 +87,16 @@ void Fit(benchmark::State& state) {
   for (auto _ : state) {
     regression.Initialize(other_terms);  // so that no basis stands
     regression.Initialize(problem.settings);
-    benchmark::DoNotOptimize(regression.Build());
+    benchmark::DoNotOptimize(build(regression));
   }
 }
 
+void Fit(benchmark::State& state) {
+  BuildFromSettings(state, [](LinearRegression& regression) { return regression.Build(); });
+}
+
 void BoxCoxSearch(benchmark::State& state) {
-  const Problem problem(state);
-  LinearRegressionSettings other_terms = problem.settings;
-  other_terms.SetOrder(1);
-  LinearRegression regression(problem.points, problem.values);
-  for (auto _ : state) {
-    regression.Initialize(other_terms);
-    regression.Initialize(problem.settings);
-    benchmark::DoNotOptimize(regression.BuildOptimalBoxCox());
-  }
+  BuildFromSettings(state, [](LinearRegression& regression) { return regression.BuildOptimalBoxCox(); });
 }
 
 void Approximate(benchmark::State& state) {
