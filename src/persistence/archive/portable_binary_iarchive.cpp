@@ -1,0 +1,199 @@
+#include "persistence/archive/portable_binary_iarchive.h"
+
+#include "support/strings.h"
+
+#include <boost/archive/impl/archive_serializer_map.ipp>
+#include <boost/archive/impl/basic_binary_iprimitive.ipp>
+
+#include <cstring>
+#include <iostream>
+
+namespace kestrel {
+
+namespace impl = portable_binary_archive_impl;
+using boost::archive::archive_exception;
+
+namespace {
+
+[[noreturn]] void RaiseUnrepresentable() {
+  throw portable_binary_iarchive_exception(portable_binary_iarchive_exception::integer_cannot_be_represented);
+}
+
+}  // namespace
+
+portable_binary_iarchive::portable_binary_iarchive(std::istream& stream, unsigned flags)
+    : Engine(flags), Primitive(*stream.rdbuf(), (flags & boost::archive::no_codecvt) != 0) {
+  if ((flags & impl::kThrowOnMismatch) != 0) {
+    mismatch_policy_ = 1;
+  } else if ((flags & impl::kIgnoreMismatch) != 0) {
+    mismatch_policy_ = 2;
+  }
+  set_library_version(boost::serialization::library_version_type(impl::kLibraryVersion));
+  if ((flags & boost::archive::no_header) == 0) ReadHeader();
+}
+
+void portable_binary_iarchive::ReadHeader() {
+  char magic[sizeof(impl::kMagic)];
+  load_binary(magic, sizeof(magic));
+  unsigned char version = 0;
+  load_binary(&version, sizeof(version));
+  if (std::memcmp(magic, impl::kMagic, sizeof(magic)) != 0 || version > impl::kFormatVersion) {
+    throw archive_exception(archive_exception::invalid_signature);
+  }
+  if (LoadUnsigned(std::numeric_limits<unsigned>::max(), sizeof(unsigned)) > impl::kLibraryVersion) {
+    throw archive_exception(archive_exception::unsupported_version);
+  }
+  old_class_id_ = version < impl::kFirstVersionWithShortClassId;
+  if (version < impl::kFirstVersionWithFlags) return;
+  const unsigned header_flags = ReadWord();
+  if ((header_flags & impl::kHeaderAnnotated) != 0) mode_ = (header_flags & impl::kHeaderChecksums) != 0 ? 2 : 1;
+}
+
+unsigned portable_binary_iarchive::ReadWord() {
+  using Traits = std::char_traits<char>;
+  const auto low = m_sb.sbumpc();
+  const auto high = m_sb.sbumpc();
+  if (Traits::eq_int_type(low, Traits::eof()) || Traits::eq_int_type(high, Traits::eof())) {
+    throw archive_exception(archive_exception::input_stream_error);
+  }
+  return static_cast<unsigned>(low) | static_cast<unsigned>(high) << 8;
+}
+
+void portable_binary_iarchive::load_impl_storage(long& value, char /*nominal_size*/, bool& negative) {
+  constexpr unsigned kPayloadBits = 15;
+  constexpr unsigned kWidth = 64;
+  unsigned long bits = 0;
+  for (unsigned shift = 0; shift < kWidth; shift += kPayloadBits) {
+    const unsigned word = ReadWord();
+    const unsigned long group = word & 0x7FFFU;
+    bits |= group << shift;
+    if ((word & 0x8000U) != 0) continue;
+    const unsigned used = shift + kPayloadBits;
+    if (used < kWidth) {
+      negative = (group >> (kPayloadBits - 1)) != 0;
+      if (negative) bits |= ~0UL << used;
+    } else {
+      const unsigned long beyond = group >> (kWidth - shift);
+      if (beyond != 0 && beyond != 0x7FFFU >> (kWidth - shift)) RaiseUnrepresentable();
+      negative = beyond != 0;
+    }
+    value = static_cast<long>(bits);
+    return;
+  }
+  RaiseUnrepresentable();
+}
+
+long portable_binary_iarchive::LoadSigned(long lowest, long highest, char nominal_size) {
+  long value = 0;
+  bool negative = false;
+  load_impl_storage(value, nominal_size, negative);
+  if (negative != (value < 0) || value < lowest || value > highest) RaiseUnrepresentable();
+  return value;
+}
+
+unsigned long portable_binary_iarchive::LoadUnsigned(unsigned long highest, char nominal_size) {
+  long value = 0;
+  bool negative = false;
+  load_impl_storage(value, nominal_size, negative);
+  if (negative || static_cast<unsigned long>(value) > highest) RaiseUnrepresentable();
+  return static_cast<unsigned long>(value);
+}
+
+void portable_binary_iarchive::load_native(unsigned long& bits) { load_binary(&bits, sizeof(bits)); }
+
+void portable_binary_iarchive::load(double& value) {
+  unsigned long bits = 0;
+  load_native(bits);
+  std::memcpy(&value, &bits, sizeof(value));
+}
+
+void portable_binary_iarchive::load(std::string& text) {
+  std::size_t size = 0;
+  load(size);
+  text.resize(size);
+  load_binary(text.data(), text.size());
+}
+
+void portable_binary_iarchive::load(std::wstring& text) {
+  std::string bytes;
+  load(bytes);
+  text = string::widen(bytes);
+}
+
+void portable_binary_iarchive::load(std::filesystem::path& path) {
+  std::string text;
+  load(text);
+  path = std::filesystem::u8path(text);
+}
+
+void portable_binary_iarchive::load(boost::filesystem::path& path) {
+  std::string text;
+  load(text);
+  path = text;
+}
+
+void portable_binary_iarchive::load(boost::serialization::collection_size_type& count) {
+  count = boost::serialization::collection_size_type(
+      LoadUnsigned(std::numeric_limits<std::size_t>::max(), sizeof(std::size_t)));
+}
+
+void portable_binary_iarchive::load(boost::serialization::item_version_type& version) {
+  version = boost::serialization::item_version_type(
+      static_cast<unsigned>(LoadUnsigned(std::numeric_limits<unsigned>::max(), sizeof(unsigned))));
+}
+
+void portable_binary_iarchive::load(boost::serialization::library_version_type& version) {
+  version = boost::serialization::library_version_type(
+      static_cast<unsigned>(LoadUnsigned(std::numeric_limits<std::uint16_t>::max(), sizeof(unsigned))));
+}
+
+void portable_binary_iarchive::load(boost::archive::version_type& version) {
+  version = boost::archive::version_type(
+      static_cast<unsigned>(LoadUnsigned(std::numeric_limits<unsigned>::max(), sizeof(unsigned))));
+}
+
+void portable_binary_iarchive::load(boost::archive::object_id_type& id) {
+  id = boost::archive::object_id_type(LoadUnsigned(std::numeric_limits<std::uint32_t>::max(), sizeof(std::uint32_t)));
+}
+
+void portable_binary_iarchive::load(boost::archive::class_id_type& id) {
+  using Limits = std::numeric_limits<std::int16_t>;
+  const long value = LoadSigned(Limits::min(), Limits::max(), old_class_id_ ? sizeof(long) : sizeof(int));
+  id = boost::archive::class_id_type(static_cast<int>(value));
+}
+
+void portable_binary_iarchive::load(boost::archive::tracking_type& tracking) {
+  bool value = false;
+  load(value);
+  tracking = boost::archive::tracking_type(value);
+}
+
+void portable_binary_iarchive::load(boost::archive::class_name_type& name) {
+  std::string text;
+  load(text);
+  if (text.size() >= BOOST_SERIALIZATION_MAX_KEY_SIZE) throw archive_exception(archive_exception::invalid_class_name);
+  std::memcpy(static_cast<char*>(name), text.c_str(), text.size() + 1);
+}
+
+void portable_binary_iarchive::CheckAnnotation(const char* name) {
+  if (mode_ == 1) {
+    std::string found;
+    load(found);
+    if (found == name || mismatch_policy_ == 2) return;
+    if (mismatch_policy_ == 1) {
+      throw portable_binary_iarchive_exception(portable_binary_iarchive_exception::annotation_mismatch);
+    }
+    std::cerr << "portable_binary_iarchive: annotations differ, expected \"" << name << "\", got \"" << found << "\"\n";
+    return;
+  }
+  const auto expected = impl::Crc16(name, std::strlen(name), 0);
+  const unsigned found = ReadWord();
+  if (found == expected || mismatch_policy_ == 2) return;
+  throw portable_binary_iarchive_exception(portable_binary_iarchive_exception::annotation_mismatch);
+}
+
+}  // namespace kestrel
+
+template class boost::archive::detail::archive_serializer_map<kestrel::portable_binary_iarchive>;
+template class boost::archive::detail::common_iarchive<kestrel::portable_binary_iarchive>;
+template class boost::archive::basic_binary_iprimitive<kestrel::portable_binary_iarchive, char, std::char_traits<char>>;
