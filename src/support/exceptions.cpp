@@ -10,6 +10,9 @@ runtime_error::runtime_error(const std::wstring& message)
 logic_error::logic_error(const std::wstring& message)
     : std::logic_error(string::narrow(message)), utils::exception(message) {}
 
+invalid_argument::invalid_argument(const std::wstring& message)
+    : std::invalid_argument(string::narrow(message)), utils::exception(message) {}
+
 out_of_range::out_of_range(const std::wstring& message)
     : std::out_of_range(string::narrow(message)), utils::exception(message) {}
 

@@ -29,6 +29,11 @@ class logic_error : public std::logic_error, public exception {
   explicit logic_error(const std::wstring& message);
 };
 
+class invalid_argument : public std::invalid_argument, public exception {
+ public:
+  explicit invalid_argument(const std::wstring& message);
+};
+
 class out_of_range : public std::out_of_range, public exception {
  public:
   explicit out_of_range(const std::wstring& message);

@@ -1,0 +1,58 @@
+#pragma once
+
+#include <boost/flyweight.hpp>
+#include <boost/serialization/level.hpp>
+#include <boost/serialization/split_free.hpp>
+#include <boost/serialization/tracking.hpp>
+#include <ostream>
+#include <string>
+
+namespace kestrel {
+
+/// An immutable name that costs one pointer: equal names share one text, whichever thread makes them. The names of the
+/// inputs and outputs recur in every design, and a table of designs would otherwise consist of their copies.
+class SharedName {
+ public:
+  SharedName() = default;
+  SharedName(const std::wstring& text) : text_(text) {}  // NOLINT(google-explicit-constructor): stands for the text
+  SharedName(const wchar_t* text) : text_(text) {}       // NOLINT(google-explicit-constructor)
+
+  const std::wstring& str() const { return text_.get(); }
+  operator const std::wstring&() const { return text_.get(); }  // NOLINT(google-explicit-constructor)
+
+  friend bool operator==(const SharedName& a, const SharedName& b) { return a.text_ == b.text_; }
+  friend bool operator!=(const SharedName& a, const SharedName& b) { return a.text_ != b.text_; }
+  friend bool operator==(const SharedName& a, const std::wstring& b) { return a.str() == b; }
+  friend bool operator!=(const SharedName& a, const std::wstring& b) { return a.str() != b; }
+  friend std::wostream& operator<<(std::wostream& stream, const SharedName& name) { return stream << name.str(); }
+
+ private:
+  boost::flyweight<std::wstring> text_;
+};
+
+}  // namespace kestrel
+
+// In files a shared name is its text alone, with neither class information nor tracking.
+BOOST_CLASS_IMPLEMENTATION(kestrel::SharedName, boost::serialization::object_serializable)
+BOOST_CLASS_TRACKING(kestrel::SharedName, boost::serialization::track_never)
+
+namespace boost::serialization {
+
+template <class Archive>
+void save(Archive& archive, const kestrel::SharedName& name, unsigned int) {
+  archive << name.str();
+}
+
+template <class Archive>
+void load(Archive& archive, kestrel::SharedName& name, unsigned int) {
+  std::wstring text;
+  archive >> text;
+  name = text;
+}
+
+template <class Archive>
+void serialize(Archive& archive, kestrel::SharedName& name, unsigned int version) {
+  split_free(archive, name, version);
+}
+
+}  // namespace boost::serialization
