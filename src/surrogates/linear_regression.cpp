@@ -124,12 +124,14 @@ Vector LinearRegression::Approximate(const MatrixIn& points) const {
 Vector LinearRegression::Approximate() const {
   RequireBuilt(L"can not approximate - build first");
   if (need_build_) return NoValues(points_.rows());
+  RequireSample();
   return TransformBack(coefficient_matrix_ * coefficients_);
 }
 
 Vector LinearRegression::ApproximateLeaveOneOut() const {
   RequireBuilt(L"can not calculate LOO approximation - build first");
   if (need_build_) return NoValues(points_.rows());
+  RequireSample();
   const Vector values = ForwardValues();
   const Vector residuals = values - coefficient_matrix_ * coefficients_;
   const Vector leverages =
@@ -141,6 +143,7 @@ Vector LinearRegression::ApproximateLeaveOneOut() const {
 Vector LinearRegression::ApproximateCrossValidation(const Subsets& subsets) const {
   if (subsets.empty()) return ApproximateLeaveOneOut();
   RequireBuilt(L"can not calculate CV approximation - build first");
+  RequireSample();
   if (subsets.size() != static_cast<std::size_t>(points_.rows())) {
     error::Report(L"Surrogate approximate CV needs same number of support points (", points_.rows(),
                   L") as subset indeces (", subsets.size(), L")");
@@ -162,14 +165,5 @@ std::wstring LinearRegression::Str() const {
   for (const double coefficient : coefficients_) text += (boost::wformat(L"%1% ") % coefficient).str();
   return text + L") | " + SurrogateBase::Str();
 }
-
-bool LinearRegression::operator==(const SurrogateBase& other) const {
-  const auto* same_kind = dynamic_cast<const LinearRegression*>(&other);
-  return same_kind != nullptr && SurrogateBase::operator==(other) &&
-         coefficients_.size() == same_kind->coefficients_.size() &&
-         (coefficients_.array() == same_kind->coefficients_.array()).all() && settings_ == same_kind->settings_;
-}
-
-std::unique_ptr<SurrogateBase> LinearRegression::Clone() const { return std::make_unique<LinearRegression>(*this); }
 
 }  // namespace kestrel::math::metamodel

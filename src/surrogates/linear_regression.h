@@ -53,6 +53,16 @@ class LinearRegression final : public SurrogateBase {
   void InitializeImpl(const SurrogateSettingsBase& settings) override;
 
  private:
+  friend class boost::serialization::access;
+  template <class Archive>
+  void serialize(Archive& archive, unsigned int version);
+  LinearRegression() : LinearRegression(Matrix(), Vector()) {}  ///< to be read from a file
+
+  /// The fields of class version 0: the basis at the support points and, instead of the settings, what they hold.
+  template <class Archive>
+  void LoadVersion0(Archive& archive);
+  void RestoreDerivedData() override;
+
   bool HasEnoughPoints() const;
   void DropBasis();
   /// Makes `coefficient_matrix_` unless it stands for the coordinates and terms in force.
@@ -72,3 +82,7 @@ class LinearRegression final : public SurrogateBase {
 };
 
 }  // namespace kestrel::math::metamodel
+
+BOOST_CLASS_EXPORT_KEY2(kestrel::math::metamodel::LinearRegression, "kestrel::math::metamodel::LinearRegression")
+BOOST_CLASS_VERSION(kestrel::math::metamodel::LinearRegression, 1)
+BOOST_CLASS_TRACKING(kestrel::math::metamodel::LinearRegression, boost::serialization::track_always)

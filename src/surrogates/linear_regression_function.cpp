@@ -41,6 +41,7 @@ class FunctionWriter {
 
 std::wstring LinearRegression::GetFunctionStr(const Names& input_names) const {
   if (settings_.HasBoxCoxExponent()) return L"No model function for Box-Cox transformation available";
+  RequireSample();
   LinearRegressionSettings plain = settings_;
   plain.SetCoordTransformation(eTransformation::kNone);
   plain.SetValueTransformation(eTransformation::kNone);

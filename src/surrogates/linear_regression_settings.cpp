@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "persistence/archive/require_stored.h"
 #include "support/error_report.h"
 
 namespace kestrel::math::metamodel {
@@ -21,6 +22,13 @@ void ForEachPair(std::uint64_t n, Visit visit) {
 LinearRegressionSettings::LinearRegressionSettings(std::uint64_t num_inputs) : SurrogateSettingsBase(num_inputs) {
   SetDefaultsOfLocalMembers();
 }
+
+LinearRegressionSettings::LinearRegressionSettings(std::uint64_t num_inputs, std::uint64_t order, Selection main_terms,
+                                                   Selection interactions)
+    : SurrogateSettingsBase(num_inputs),
+      order_(order),
+      main_term_selection_(std::move(main_terms)),
+      interaction_selection_(std::move(interactions)) {}
 
 void LinearRegressionSettings::SetDefaults() {
   SurrogateSettingsBase::SetDefaults();
@@ -127,6 +135,18 @@ std::unique_ptr<SurrogateSettingsBase> LinearRegressionSettings::Clone() const {
 bool LinearRegressionSettings::SameTerms(const LinearRegressionSettings& other) const {
   return order_ == other.order_ && main_term_selection_ == other.main_term_selection_ &&
          interaction_selection_ == other.interaction_selection_;
+}
+
+void LinearRegressionSettings::RequireConsistent() const {
+  // More inputs than any sample has; products of the counts below stay within 64 bits.
+  constexpr std::uint64_t kMaxInputs = std::uint64_t{1} << 24U;
+  const std::uint64_t bits = main_term_selection_.size();
+  const bool main_terms_fit =
+      ninputs_ == 0 ? bits == 0 : bits % ninputs_ == 0 && bits / ninputs_ == order_;  // the product could overflow
+  const std::uint64_t pairs = interaction_selection_.size();
+  persistence::RequireStored(
+      ninputs_ <= kMaxInputs && main_terms_fit && (pairs == 0 || pairs == NumberInteractionTerms(ninputs_)),
+      L"Stored settings: the selected terms do not match the number of inputs and the order.");
 }
 
 void LinearRegressionSettings::RequireInput(std::uint64_t input) const {

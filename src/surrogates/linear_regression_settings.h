@@ -10,6 +10,7 @@ class LinearRegressionSettings final : public SurrogateSettingsBase {
  public:
   LinearRegressionSettings() = default;
   explicit LinearRegressionSettings(std::uint64_t num_inputs);
+  LinearRegressionSettings(std::uint64_t num_inputs, std::uint64_t order, Selection main_terms, Selection interactions);
 
   void SetDefaults() override;
   /// Order 1, all main terms, no interactions.
@@ -50,7 +51,14 @@ class LinearRegressionSettings final : public SurrogateSettingsBase {
   bool SameTerms(const LinearRegressionSettings& other) const;
 
  private:
+  friend class LinearRegression;  // makes settings of what its oldest files hold
+  friend class boost::serialization::access;
+  template <class Archive>
+  void serialize(Archive& archive, unsigned int version);
+
   void RequireInput(std::uint64_t input) const;
+  /// Refuses stored selections that do not fit the number of inputs and the order.
+  void RequireConsistent() const;
 
   std::uint64_t order_ = 1;
   Selection main_term_selection_;
@@ -58,3 +66,6 @@ class LinearRegressionSettings final : public SurrogateSettingsBase {
 };
 
 }  // namespace kestrel::math::metamodel
+
+BOOST_CLASS_EXPORT_KEY2(kestrel::math::metamodel::LinearRegressionSettings,
+                        "kestrel::math::metamodel::LinearRegressionSettings")

@@ -118,6 +118,16 @@ void SurrogateBase::SetSubsets(Subsets subsets) {
   points_radii_mean_ = 0.0;
 }
 
+Index SurrogateBase::GetNumberInputs() const {
+  if (HasSupports() || points_.cols() > 0) return points_.cols();
+  return static_cast<Index>(GetSettingsBase().GetNumInputs());
+}
+
+Vector SurrogateBase::Approximate() const {
+  RequireSample();
+  return Approximate(points_);
+}
+
 Vector SurrogateBase::ApproximateLeaveOneOut() const {
   RequireSample();
   Subsets each(static_cast<std::size_t>(points_.rows()));
@@ -148,16 +158,6 @@ bool SurrogateBase::operator==(const SurrogateBase& other) const {
          SameEntries(residuals_, other.residuals_) && SameEntries(weights_, other.weights_) &&
          SameEntries(single_cops_, other.single_cops_) && SameTransform(trans_coord_, other.trans_coord_) &&
          SameTransform(trans_value_, other.trans_value_) && SameTransform(trans_limit_, other.trans_limit_);
-}
-
-void SurrogateBase::ClearSupportsForSerialize() {
-  points_.resize(0, 0);
-  values_.resize(0);
-}
-
-void SurrogateBase::RestoreSupportsAfterSerialize(const MatrixIn& points, const VectorIn& values) {
-  points_ = points;
-  values_ = values;
 }
 
 bool SurrogateBase::CoordinatesStand() const {
@@ -206,16 +206,14 @@ void SurrogateBase::DropResults() {
 }
 
 bool SurrogateBase::CheckInputCount(const MatrixIn& points, const wchar_t* what) const {
-  if (points.cols() == points_.cols()) return true;
+  if (points.cols() == GetNumberInputs()) return true;
   error::Report(what, L" needs same number of input dimension (", points.cols(), L") as support points (",
-                points_.cols(), L")");
+                GetNumberInputs(), L")");
   return false;
 }
 
 void SurrogateBase::RequireSample() const {
-  if (points_.rows() == 0 || values_.size() == 0) {
-    throw std::logic_error("Surrogate: support point data is missing");
-  }
+  if (!HasSupports()) throw std::logic_error("Surrogate: support point data is missing");
 }
 
 Matrix NoValues(Index rows, Index columns) {

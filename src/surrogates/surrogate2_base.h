@@ -31,7 +31,7 @@ class SurrogateBase {
   virtual bool CheckAfterBuild() const = 0;
   /// Predictions in units of the response, one per row of `points` (q x n).
   virtual Vector Approximate(const MatrixIn& points) const = 0;
-  virtual Vector Approximate() const { return Approximate(points_); }
+  virtual Vector Approximate() const;
   /// Predictions at the samples by models that did not see them. The forms without an argument need the sample:
   /// std::logic_error "Surrogate: support point data is missing".
   virtual Vector ApproximateLeaveOneOut() const;
@@ -85,15 +85,20 @@ class SurrogateBase {
   const Subsets& GetSubsets() const { return subsets_; }
   const Matrix& GetSingleCoPs() const { return single_cops_; }
   const transform::Transform* GetTransValue() const { return trans_value_.get(); }
-  Index GetNumberInputs() const { return points_.cols(); }
+  /// Columns of the support points; while these are cleared, the number of inputs of the settings.
+  Index GetNumberInputs() const;
   Index GetNumberPoints() const { return points_.rows(); }
 
   void InitializeValueTransformation(eTransformation type, const std::vector<double>& parameters);
   void InitializeLimitTransformation(eTransformation type, const std::vector<double>& parameters);
 
-  /// The sample can be kept elsewhere while a surrogate is stored.
+  /// The sample can be kept elsewhere while a surrogate is stored: `ClearSupportsForSerialize` empties points and
+  /// values. Without them a model of coefficients alone still approximates at new points; all that touches the sample
+  /// raises std::logic_error "Surrogate: support point data is missing" until `RestoreSupportsAfterSerialize` has
+  /// brought it back. A sample that does not fit the model is refused with utils::runtime_error, and nothing changes.
   void ClearSupportsForSerialize();
   void RestoreSupportsAfterSerialize(const MatrixIn& points, const VectorIn& values);
+  bool HasSupports() const { return points_.rows() > 0 && values_.size() > 0; }
 
  protected:
   /// Copies the sample; different numbers of points and values are reported.
@@ -102,6 +107,12 @@ class SurrogateBase {
   SurrogateBase& operator=(const SurrogateBase&) = delete;
 
   virtual void InitializeImpl(const SurrogateSettingsBase& settings) = 0;
+
+  /// Rebuilds what follows from the sample and is not stored; called for a built model with a sample.
+  virtual void RestoreDerivedData() {}
+  /// To be called by a concrete class behind its last field: refuses with utils::runtime_error what does not belong
+  /// together, then `RestoreDerivedData`.
+  void FinishLoading();
 
   /// The support points in the coordinates of the model, N x n: transformed once for a sample and a coordinate
   /// transformation, however many models are built on them.
@@ -139,8 +150,18 @@ class SurrogateBase {
   std::shared_ptr<utils::log::LogBase> log_;
 
  private:
+  friend class boost::serialization::access;
+  template <class Archive>
+  void serialize(Archive& archive, unsigned int version);
+
+  /// Refuses residuals, subsets, weights, transformations and selections that do not fit N samples of n inputs.
+  void RequireFit(Index num_points, Index num_inputs) const;
+  void RestoreFromSample();
+
   bool HasResiduals() const { return values_.size() > 0 && residuals_.size() == values_.size(); }
   void RequireBuiltForErrors();
+  /// Mean radius of the reduced points; 0 without any.
+  double CalcMeanRadius() const;
   /// Columns 0 to 3 of `ApproximateErrors`. @param query  transformed and reduced points.  @param total  sum of squares
   /// of the values around their mean.
   void FillLocalErrors(const MatrixIn& query, double total, Matrix& errors) const;
@@ -156,3 +177,7 @@ Matrix NoValues(Index rows, Index columns = 1);
 Matrix SelectVariablesFromPoints(const MatrixIn& points, const Selection& selection);
 
 }  // namespace kestrel::math::metamodel
+
+BOOST_CLASS_EXPORT_KEY2(kestrel::math::metamodel::SurrogateBase, "kestrel::math::metamodel::SurrogateBase")
+BOOST_CLASS_VERSION(kestrel::math::metamodel::SurrogateBase, 6)
+BOOST_CLASS_TRACKING(kestrel::math::metamodel::SurrogateBase, boost::serialization::track_always)

@@ -28,10 +28,14 @@ void SurrogateBase::RequireBuiltForErrors() {
   if (need_build_ || (trans_coord_ && trans_coord_->GetNeedBuild()) || (trans_value_ && trans_value_->GetNeedBuild())) {
     throw std::logic_error("Surrogate::BuildErrors - need build first");
   }
-  if (points_radii_mean_ == 0.0 && points_trans_reduced_.rows() > 0) {
-    const auto neighbours = static_cast<std::uint64_t>(2 * points_trans_reduced_.cols() + 1);
-    points_radii_mean_ = statistics::CalcRadii(points_trans_reduced_, neighbours).mean();
-  }
+  RequireSample();
+  if (points_radii_mean_ == 0.0) points_radii_mean_ = CalcMeanRadius();
+}
+
+double SurrogateBase::CalcMeanRadius() const {
+  if (points_trans_reduced_.rows() == 0) return 0.0;
+  const auto neighbours = static_cast<std::uint64_t>(2 * points_trans_reduced_.cols() + 1);
+  return statistics::CalcRadii(points_trans_reduced_, neighbours).mean();
 }
 
 bool SurrogateBase::BuildErrors() {
@@ -43,13 +47,14 @@ bool SurrogateBase::BuildErrors() {
 bool SurrogateBase::BuildErrors(const Subsets& subsets) {
   RequireBuiltForErrors();
   if (HasResiduals() && subsets == subsets_) return true;
+  residuals_ = values_ - ApproximateCrossValidation(subsets);
   subsets_ = subsets;
-  residuals_ = values_ - ApproximateCrossValidation(subsets_);
   return true;
 }
 
 Matrix SurrogateBase::ApproximateGradients(const MatrixIn& points) const {
   if (!CheckInputCount(points, L"Surrogate approximate")) return NoValues(points.rows(), points.cols());
+  RequireSample();
   Matrix gradients = Matrix::Zero(points.rows(), points.cols());
   const Selection selection = GetVariableSelection();
   Matrix shifted = points;
@@ -67,6 +72,7 @@ Matrix SurrogateBase::ApproximateGradients(const MatrixIn& points) const {
 
 Matrix SurrogateBase::ApproximateErrors(const MatrixIn& points) const {
   if (!CheckInputCount(points, L"Surrogate approximate errors")) return NoValues(points.rows(), kErrorColumns);
+  RequireSample();
   if (!HasResiduals()) error::Report(L"Surrogate ApproximateErrors needs BuildErrors first");
   Matrix errors = Matrix::Zero(points.rows(), kErrorColumns);
   errors.col(kLocalCoD).setOnes();

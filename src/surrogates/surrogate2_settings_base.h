@@ -91,6 +91,16 @@ class SurrogateSettingsBase {
   std::int32_t handle_failed_ = 0;
   eState state_ = eState::kDefault;
   std::vector<std::wstring> input_names_;
+
+ private:
+  friend class boost::serialization::access;
+  template <class Archive>
+  void serialize(Archive& archive, unsigned int version);
 };
 
 }  // namespace kestrel::math::metamodel
+
+BOOST_CLASS_EXPORT_KEY2(kestrel::math::metamodel::SurrogateSettingsBase,
+                        "kestrel::math::metamodel::SurrogateSettingsBase")
+BOOST_CLASS_VERSION(kestrel::math::metamodel::SurrogateSettingsBase, 2)
+BOOST_CLASS_TRACKING(kestrel::math::metamodel::SurrogateSettingsBase, boost::serialization::track_always)

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <limits>
 
+#include "persistence/archive/persistent.h"
 #include "support/linear_algebra.h"
 
 namespace kestrel::math::metamodel {
@@ -33,6 +34,10 @@ class AppraisalData {
   bool operator==(const AppraisalData& other) const;
 
  private:
+  friend class boost::serialization::access;
+  template <class Archive>
+  void serialize(Archive& archive, unsigned int version);
+
   double cop_ = std::numeric_limits<double>::quiet_NaN();
   double cod_ = std::numeric_limits<double>::quiet_NaN();
   double codadj_ = std::numeric_limits<double>::quiet_NaN();
@@ -41,3 +46,6 @@ class AppraisalData {
 };
 
 }  // namespace kestrel::math::metamodel
+
+BOOST_CLASS_VERSION(kestrel::math::metamodel::AppraisalData, 1)
+BOOST_CLASS_TRACKING(kestrel::math::metamodel::AppraisalData, boost::serialization::track_always)

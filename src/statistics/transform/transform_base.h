@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "persistence/archive/persistent.h"
 #include "support/linear_algebra.h"
 
 namespace kestrel::math::transform {
@@ -30,6 +31,9 @@ class Transform {
 
   bool GetNeedBuild() const { return need_build_; }
 
+  /// True unless the transformation is fitted to another number of columns, which scaling does not compare.
+  bool AcceptsColumns(Index columns) const;
+
  protected:
   Transform() = default;
   Transform(const Transform&) = default;
@@ -38,6 +42,13 @@ class Transform {
   void RequireBuilt() const;
 
   bool need_build_ = true;
+
+ private:
+  friend class boost::serialization::access;
+  template <class Archive>
+  void serialize(Archive& archive, unsigned int version);
 };
 
 }  // namespace kestrel::math::transform
+
+BOOST_CLASS_EXPORT_KEY2(kestrel::math::transform::Transform, "kestrel::math::transform::Transform")

@@ -4,6 +4,8 @@
 #include <cmath>
 #include <stdexcept>
 
+#include "persistence/archive/require_stored.h"
+
 namespace kestrel::math::transform {
 namespace {
 
@@ -28,10 +30,12 @@ Array WholePower(const Array& base, std::int32_t n) {
   return PowerBySquaring(n < 0 ? Array(base.inverse()) : base, static_cast<unsigned>(std::abs(n)));
 }
 
+double Exponent(std::int64_t lambda_inv) { return lambda_inv == 0 ? 0.0 : 1.0 / static_cast<double>(lambda_inv); }
+
 }  // namespace
 
 TransBoxCox::TransBoxCox(std::int64_t lambda_inv, double min_scaled, double max_scaled)
-    : lambda_(lambda_inv == 0 ? 0.0 : 1.0 / static_cast<double>(lambda_inv)),
+    : lambda_(Exponent(lambda_inv)),
       lambda_inv_(lambda_inv),
       min_scaled_(min_scaled),
       max_scaled_(max_scaled),
@@ -99,6 +103,15 @@ bool TransBoxCox::operator==(const Transform& other) const {
 }
 
 std::unique_ptr<Transform> TransBoxCox::Clone() const { return std::make_unique<TransBoxCox>(*this); }
+
+void TransBoxCox::RepairAndCheck() {
+  // The exponent is stored exactly. Its reciprocal is not where the word encoding of the archive loses the sign, from
+  // -32767 to -16385, and has no meaning where an exponent of 0 was once inverted.
+  if (lambda_ != Exponent(lambda_inv_)) lambda_inv_ = InverseExponent(lambda_);
+  persistence::RequireStored(lambda_ == Exponent(lambda_inv_), L"Stored Box-Cox exponent has no whole reciprocal.");
+  const bool scaled = !trans_minmax_.GetNeedBuild() && trans_minmax_.GetNumberColumns() == 1;
+  persistence::RequireStored(need_build_ || scaled, L"Stored Box-Cox transformation is not fitted to one column.");
+}
 
 void TransBoxCox::RequireBuiltScalar(const MatrixIn& data) const {
   RequireBuilt();

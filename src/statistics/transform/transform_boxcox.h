@@ -34,6 +34,13 @@ class TransBoxCox final : public Transform {
   static Eigen::ArrayXXd BackwardScaled(const Eigen::Ref<const Eigen::ArrayXXd>& z, std::int64_t lambda_inv);
 
  private:
+  friend class boost::serialization::access;
+  template <class Archive>
+  void serialize(Archive& archive, unsigned int version);
+
+  /// Settles what a file says of the exponent, and refuses a scaling that is not that of one column.
+  void RepairAndCheck();
+
   void RequireBuiltScalar(const MatrixIn& data) const;
 
   double lambda_ = 1.0;
@@ -44,3 +51,5 @@ class TransBoxCox final : public Transform {
 };
 
 }  // namespace kestrel::math::transform
+
+BOOST_CLASS_EXPORT_KEY2(kestrel::math::transform::TransBoxCox, "kestrel::math::transform::TransBoxCox")

@@ -23,8 +23,14 @@ class TransLimits final : public Transform {
   std::unique_ptr<Transform> Clone() const override;
 
  private:
+  friend class boost::serialization::access;
+  template <class Archive>
+  void serialize(Archive& archive, unsigned int version);
+
   double lower_limit_ = -std::numeric_limits<double>::infinity();
   double upper_limit_ = std::numeric_limits<double>::infinity();
 };
 
 }  // namespace kestrel::math::transform
+
+BOOST_CLASS_EXPORT_KEY2(kestrel::math::transform::TransLimits, "kestrel::math::transform::TransLimits")

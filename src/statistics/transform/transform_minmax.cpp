@@ -3,6 +3,7 @@
 #include <boost/format.hpp>
 #include <stdexcept>
 
+#include "persistence/archive/require_stored.h"
 #include "statistics/basic_statistics.h"
 
 namespace kestrel::math::transform {
@@ -78,5 +79,11 @@ bool TransMinMax::operator==(const Transform& other) const {
 }
 
 std::unique_ptr<Transform> TransMinMax::Clone() const { return std::make_unique<TransMinMax>(*this); }
+
+void TransMinMax::RequireConsistent() const {
+  const bool same_lengths = offset_forward_.size() == scaling_.size() && offset_backward_.size() == scaling_.size();
+  persistence::RequireStored(same_lengths && (need_build_ || scaling_.size() > 0),
+                             L"Stored scaling: factors and offsets do not match.");
+}
 
 }  // namespace kestrel::math::transform

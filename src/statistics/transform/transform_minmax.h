@@ -20,10 +20,20 @@ class TransMinMax final : public Transform {
   bool operator==(const Transform& other) const override;
   std::unique_ptr<Transform> Clone() const override;
 
+  /// Columns of the fit; 0 before it.
+  Index GetNumberColumns() const { return scaling_.size(); }
+
   /// The fitted vectors that have exactly one element: "s , f , b " in the formats "%1% " and ", %1% ".
   std::wstring ParameterStr() const;
 
  private:
+  friend class boost::serialization::access;
+  template <class Archive>
+  void serialize(Archive& archive, unsigned int version);
+
+  /// What a file may contradict: one factor and two offsets for each column.
+  void RequireConsistent() const;
+
   double min_scaled_ = 0.0;
   double max_scaled_ = 1.0;
   Vector scaling_;
@@ -32,3 +42,5 @@ class TransMinMax final : public Transform {
 };
 
 }  // namespace kestrel::math::transform
+
+BOOST_CLASS_EXPORT_KEY2(kestrel::math::transform::TransMinMax, "kestrel::math::transform::TransMinMax")

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "persistence/archive/persistent.h"
 #include "support/linear_algebra.h"
 
 namespace kestrel::math::metamodel {
@@ -53,6 +54,11 @@ class KernelBase {
   static void RequireParameters(const VectorIn& parameters);
 
   Vector parameters_;
+
+ private:
+  friend class boost::serialization::access;
+  template <class Archive>
+  void serialize(Archive& archive, unsigned int version);
 };
 
 /// The kernel of a type. An empty vector gives a kernel without parameters, which must be set before use. Raises
@@ -60,3 +66,5 @@ class KernelBase {
 std::unique_ptr<KernelBase> CreateKernel(Kernel::eType type, const VectorIn& parameters);
 
 }  // namespace kestrel::math::metamodel
+
+BOOST_CLASS_EXPORT_KEY2(kestrel::math::metamodel::KernelBase, "kestrel::math::metamodel::KernelBase")

@@ -12,6 +12,11 @@ class KernelConstInfl : public KernelBase {
   virtual double CalculateKernelFromDiffVec(const VectorIn& difference) const = 0;
   bool IsConstantInfluence() const override { return true; }
   std::vector<std::wstring> GetParameterNames() const override { return {L"Influence radius"}; }
+
+ private:
+  friend class boost::serialization::access;
+  template <class Archive>
+  void serialize(Archive& archive, unsigned int version);
 };
 
 /// exp(sum_j h_j v_j^2) with one radius d_j per input, h_j = ln(0.001) / d_j^2.
@@ -29,6 +34,10 @@ class KernelConstInflExp final : public KernelConstInfl {
   std::wstring Str() const override { return L"Constant influence, anisotropic, exponential"; }
 
  private:
+  friend class boost::serialization::access;
+  template <class Archive>
+  void serialize(Archive& archive, unsigned int version);
+
   Vector helper_term_;
 };
 
@@ -42,6 +51,11 @@ class KernelConstInflIso : public KernelConstInfl {
   bool IsWeight() const override { return true; }
   bool IsIsotropic() const override { return true; }
   std::uint64_t GetNumParameters() const override { return 1; }
+
+ private:
+  friend class boost::serialization::access;
+  template <class Archive>
+  void serialize(Archive& archive, unsigned int version);
 };
 
 /// exp(h r^2), h = ln(0.001) / d^2.
@@ -57,6 +71,10 @@ class KernelConstInflIsoExp final : public KernelConstInflIso {
   std::wstring Str() const override { return L"Constant influence, isotropic, exponential"; }
 
  private:
+  friend class boost::serialization::access;
+  template <class Archive>
+  void serialize(Archive& archive, unsigned int version);
+
   double helper_term_ = 0.0;
 };
 
@@ -73,6 +91,10 @@ class KernelConstInflIsoReg final : public KernelConstInflIso {
   std::wstring Str() const override { return L"Constant influence, isotropic, regularized"; }
 
  private:
+  friend class boost::serialization::access;
+  template <class Archive>
+  void serialize(Archive& archive, unsigned int version);
+
   double epsilon_ = 0.0;
   double m_ = 0.0;
   double D_squared_ = 0.0;
@@ -80,3 +102,11 @@ class KernelConstInflIsoReg final : public KernelConstInflIso {
 };
 
 }  // namespace kestrel::math::metamodel
+
+BOOST_CLASS_EXPORT_KEY2(kestrel::math::metamodel::KernelConstInfl, "kestrel::math::metamodel::KernelConstInfl")
+BOOST_CLASS_EXPORT_KEY2(kestrel::math::metamodel::KernelConstInflExp, "kestrel::math::metamodel::KernelConstInflExp")
+BOOST_CLASS_EXPORT_KEY2(kestrel::math::metamodel::KernelConstInflIso, "kestrel::math::metamodel::KernelConstInflIso")
+BOOST_CLASS_EXPORT_KEY2(kestrel::math::metamodel::KernelConstInflIsoExp,
+                        "kestrel::math::metamodel::KernelConstInflIsoExp")
+BOOST_CLASS_EXPORT_KEY2(kestrel::math::metamodel::KernelConstInflIsoReg,
+                        "kestrel::math::metamodel::KernelConstInflIsoReg")

@@ -10,6 +10,11 @@ class KernelNodalInfl : public KernelBase {
   Vector EvaluatePoint(const VectorIn& point, const MatrixIn& support_points) const override;
   std::vector<std::wstring> GetParameterNames() const override { return {L"Influence radius"}; }
   std::uint64_t GetNumParameters() const override { return 1; }
+
+ private:
+  friend class boost::serialization::access;
+  template <class Archive>
+  void serialize(Archive& archive, unsigned int version);
 };
 
 /// exp(ln(0.001) d_i^2 / D^2) with D the distance of the k-th nearest support point, k the parameter (at least 1, at
@@ -27,7 +32,14 @@ class KernelNodalInflExp final : public KernelNodalInfl {
   std::wstring Str() const override { return L"Nodal influence, exponential"; }
 
  private:
+  friend class boost::serialization::access;
+  template <class Archive>
+  void serialize(Archive& archive, unsigned int version);
+
   double helper_term_ = 0.0;
 };
 
 }  // namespace kestrel::math::metamodel
+
+BOOST_CLASS_EXPORT_KEY2(kestrel::math::metamodel::KernelNodalInfl, "kestrel::math::metamodel::KernelNodalInfl")
+BOOST_CLASS_EXPORT_KEY2(kestrel::math::metamodel::KernelNodalInflExp, "kestrel::math::metamodel::KernelNodalInflExp")
