@@ -4,27 +4,18 @@
 // of. It is a heavy header; a class's own header needs persistence/archive/persistent.h and no more.
 
 #include "persistence/archive/eigen_serialization.h"
+#include "persistence/archive/load_collections.h"
+#include "persistence/archive/load_pointers.h"
 #include "persistence/archive/optional_serialization.h"
 #include "persistence/archive/persistent.h"
 #include "persistence/archive/portable_binary_iarchive.h"
 #include "persistence/archive/portable_binary_oarchive.h"
 
-#include <boost/dynamic_bitset/serialization.hpp>
 #include <boost/serialization/base_object.hpp>
-#include <boost/serialization/boost_unordered_set.hpp>
-#include <boost/serialization/list.hpp>
-#include <boost/serialization/map.hpp>
 #include <boost/serialization/nvp.hpp>
 #include <boost/serialization/optional.hpp>
-#include <boost/serialization/set.hpp>
-#include <boost/serialization/shared_ptr.hpp>
 #include <boost/serialization/split_member.hpp>
 #include <boost/serialization/string.hpp>
-#include <boost/serialization/unique_ptr.hpp>
-#include <boost/serialization/unordered_set.hpp>
-#include <boost/serialization/utility.hpp>
-#include <boost/serialization/variant.hpp>
-#include <boost/serialization/vector.hpp>
 
 /// Compiles the member template `serialize` of a class (its full name) for the two archives, once.
 #define KESTREL_INSTANTIATE_SERIALIZE(Class)                                                                           \

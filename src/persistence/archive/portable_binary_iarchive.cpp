@@ -2,9 +2,9 @@
 
 #include "support/strings.h"
 
-#include <boost/archive/impl/archive_serializer_map.ipp>
 #include <boost/archive/impl/basic_binary_iprimitive.ipp>
 
+#include <algorithm>
 #include <cstring>
 #include <iostream>
 
@@ -15,21 +15,43 @@ using boost::archive::archive_exception;
 
 namespace {
 
+constexpr std::size_t kReadStep = std::size_t{1} << 16;  // bytes that are taken on trust from a stream of unknown size
+
 [[noreturn]] void RaiseUnrepresentable() {
   throw portable_binary_iarchive_exception(portable_binary_iarchive_exception::integer_cannot_be_represented);
 }
+
+[[noreturn]] void RaiseMismatch() {
+  throw portable_binary_iarchive_exception(portable_binary_iarchive_exception::annotation_mismatch);
+}
+
+[[noreturn]] void RaiseStreamError() { throw archive_exception(archive_exception::input_stream_error); }
 
 }  // namespace
 
 portable_binary_iarchive::portable_binary_iarchive(std::istream& stream, unsigned flags)
     : Engine(flags), Primitive(*stream.rdbuf(), (flags & boost::archive::no_codecvt) != 0) {
   if ((flags & impl::kThrowOnMismatch) != 0) {
-    mismatch_policy_ = 1;
+    mismatch_policy_ = MismatchPolicy::kThrow;
   } else if ((flags & impl::kIgnoreMismatch) != 0) {
-    mismatch_policy_ = 2;
+    mismatch_policy_ = MismatchPolicy::kIgnore;
   }
+  if (size_reporting_) reporter_ = std::make_unique<portable_binary_archive_size_reporter>(m_sb, std::cerr);
   set_library_version(boost::serialization::library_version_type(impl::kLibraryVersion));
+  FindSize();
   if ((flags & boost::archive::no_header) == 0) ReadHeader();
+}
+
+void portable_binary_iarchive::FindSize() {
+  const auto seek = [this](std::ios_base::seekdir from) {
+    return static_cast<std::streamoff>(m_sb.pubseekoff(0, from, std::ios_base::in));
+  };
+  const std::streamoff here = seek(std::ios_base::cur);
+  if (here < 0) return;
+  const std::streamoff end = seek(std::ios_base::end);
+  if (end < 0) return;
+  if (static_cast<std::streamoff>(m_sb.pubseekpos(here, std::ios_base::in)) != here) RaiseStreamError();
+  if (end > here) size_ = static_cast<std::size_t>(end - here);  // special files say 0 and hold something
 }
 
 void portable_binary_iarchive::ReadHeader() {
@@ -46,16 +68,43 @@ void portable_binary_iarchive::ReadHeader() {
   old_class_id_ = version < impl::kFirstVersionWithShortClassId;
   if (version < impl::kFirstVersionWithFlags) return;
   const unsigned header_flags = ReadWord();
-  if ((header_flags & impl::kHeaderAnnotated) != 0) mode_ = (header_flags & impl::kHeaderChecksums) != 0 ? 2 : 1;
+  if ((header_flags & impl::kHeaderAnnotated) == 0) return;
+  mode_ = (header_flags & impl::kHeaderChecksums) != 0 ? Annotations::kChecksums : Annotations::kNames;
 }
 
+void portable_binary_iarchive::load_binary(void* address, std::size_t size) {
+  const auto wanted = static_cast<std::streamsize>(size);
+  if (wanted < 0 || m_sb.sgetn(static_cast<char*>(address), wanted) != wanted) RaiseStreamError();
+  consumed_ += size;
+}
+
+void portable_binary_iarchive::RequireBytesLeft(std::size_t count, std::size_t least_bytes) const {
+  if (KnowsBytesLeft() && count > BytesLeft() / least_bytes) RaiseStreamError();
+}
+
+std::size_t portable_binary_iarchive::LoadCount(std::size_t least_bytes) {
+  const std::size_t count = LoadUnsigned(std::numeric_limits<std::size_t>::max(), sizeof(std::size_t));
+  RequireBytesLeft(count, least_bytes);
+  return count;
+}
+
+// The largest share of a legitimate file have records of empty texts and containers, at about 20 bytes for one.
+void portable_binary_iarchive::ChargeMemory(std::size_t bytes) {
+  constexpr std::size_t kFreeOfCharge = std::size_t{1} << 24;
+  constexpr std::size_t kMemoryPerByte = 64;
+  charged_memory_ += bytes;
+  if (charged_memory_ > kFreeOfCharge && (charged_memory_ - kFreeOfCharge) / kMemoryPerByte > consumed_) {
+    RaiseStreamError();
+  }
+}
+
+// sbumpc is a plain load while the stream's buffer holds something; sgetn is a virtual call.
 unsigned portable_binary_iarchive::ReadWord() {
   using Traits = std::char_traits<char>;
   const auto low = m_sb.sbumpc();
   const auto high = m_sb.sbumpc();
-  if (Traits::eq_int_type(low, Traits::eof()) || Traits::eq_int_type(high, Traits::eof())) {
-    throw archive_exception(archive_exception::input_stream_error);
-  }
+  if (Traits::eq_int_type(low, Traits::eof()) || Traits::eq_int_type(high, Traits::eof())) RaiseStreamError();
+  consumed_ += 2;
   return static_cast<unsigned>(low) | static_cast<unsigned>(high) << 8;
 }
 
@@ -108,10 +157,15 @@ void portable_binary_iarchive::load(double& value) {
 }
 
 void portable_binary_iarchive::load(std::string& text) {
-  std::size_t size = 0;
-  load(size);
-  text.resize(size);
-  load_binary(text.data(), text.size());
+  const std::size_t size = LoadCount(1);
+  text.clear();
+  while (text.size() < size) {
+    const std::size_t begin = text.size();
+    const std::size_t step = KnowsBytesLeft() ? size : std::min(kReadStep, size - begin);
+    text.resize(begin + step);
+    load_binary(text.data() + begin, step);
+  }
+  if (reporter_ != nullptr) reporter_->SetExtraInfo(text);
 }
 
 void portable_binary_iarchive::load(std::wstring& text) {
@@ -176,24 +230,56 @@ void portable_binary_iarchive::load(boost::archive::class_name_type& name) {
 }
 
 void portable_binary_iarchive::CheckAnnotation(const char* name) {
-  if (mode_ == 1) {
-    std::string found;
-    load(found);
-    if (found == name || mismatch_policy_ == 2) return;
-    if (mismatch_policy_ == 1) {
-      throw portable_binary_iarchive_exception(portable_binary_iarchive_exception::annotation_mismatch);
-    }
-    std::cerr << "portable_binary_iarchive: annotations differ, expected \"" << name << "\", got \"" << found << "\"\n";
+  if (mode_ == Annotations::kNames) {
+    CheckName(name);
+  } else {
+    CheckChecksum(name);
+  }
+}
+
+void portable_binary_iarchive::CheckName(const char* name) {
+  std::string found;
+  load(found);
+  if (found == name || mismatch_policy_ == MismatchPolicy::kIgnore) return;
+  if (mismatch_policy_ == MismatchPolicy::kThrow) RaiseMismatch();
+  std::cerr << "portable_binary_iarchive: annotations differ, expected \"" << name << "\", got \"" << found << "\"\n";
+}
+
+void portable_binary_iarchive::CheckChecksum(const char* name) {
+  const auto found = static_cast<std::uint16_t>(ReadWord());
+  auto& expected = checksums_[name];
+  if (found == expected.checksum) {
+    if (!expected.used) remember_annotation(expected.checksum, expected.name);
+    expected.used = true;
     return;
   }
-  const auto expected = impl::Crc16(name, std::strlen(name), 0);
-  const unsigned found = ReadWord();
-  if (found == expected || mismatch_policy_ == 2) return;
-  throw portable_binary_iarchive_exception(portable_binary_iarchive_exception::annotation_mismatch);
+  if (mismatch_policy_ == MismatchPolicy::kThrow) RaiseMismatch();
+  if (mismatch_policy_ == MismatchPolicy::kReport) ReportChecksum(name, expected.checksum, found);
 }
+
+void portable_binary_iarchive::remember_annotation(std::uint16_t checksum, const std::string& name) {
+  const auto [first, last] = remembered_names_.equal_range(checksum);
+  const bool is_known = std::any_of(first, last, [&](const auto& entry) { return entry.second == name; });
+  if (!is_known) remembered_names_.emplace(checksum, name);
+}
+
+void portable_binary_iarchive::ReportChecksum(const char* name, unsigned expected, std::uint16_t found) const {
+  std::cerr << "portable_binary_iarchive: annotations differ, expected " << expected << "(\"" << name << "\"), got "
+            << found;
+  const auto [first, last] = remembered_names_.equal_range(found);
+  for (auto entry = first; entry != last; ++entry) {
+    std::cerr << (entry == first ? " (could be: " : ", ") << entry->second;
+  }
+  std::cerr << (first == last ? "\n" : ")\n");
+}
+
+void portable_binary_iarchive::size_report_start_impl(const char* type, const char* name) {
+  reporter_->StartElement(type, name);
+}
+
+void portable_binary_iarchive::size_report_end_impl(const char* name) { reporter_->EndElement(name); }
 
 }  // namespace kestrel
 
-template class boost::archive::detail::archive_serializer_map<kestrel::portable_binary_iarchive>;
 template class boost::archive::detail::common_iarchive<kestrel::portable_binary_iarchive>;
 template class boost::archive::basic_binary_iprimitive<kestrel::portable_binary_iarchive, char, std::char_traits<char>>;

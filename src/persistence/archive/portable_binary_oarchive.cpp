@@ -99,7 +99,7 @@ void portable_binary_oarchive::save(const std::wstring& text) {
 
 void portable_binary_oarchive::WriteAnnotation(const char* name) {
   switch (mode_) {
-    case impl::AnnotationMode::kChecksum: return WriteWord(impl::Crc16(name, std::strlen(name), 0));
+    case impl::AnnotationMode::kChecksum: return WriteWord(checksums_[name].checksum);
     case impl::AnnotationMode::kName: return save(std::string(name));
     case impl::AnnotationMode::kNone: return;
   }

@@ -1,19 +1,14 @@
 #pragma once
 
 #include "persistence/archive/archive_format.h"
+#include "persistence/archive/name_checksums.h"
+#include "persistence/archive/primitive_types.h"
 
 #include <boost/archive/basic_binary_oprimitive.hpp>
 #include <boost/archive/detail/common_oarchive.hpp>
 #include <boost/archive/detail/register_archive.hpp>
-#include <boost/filesystem/path.hpp>
-#include <boost/serialization/collection_size_type.hpp>
-#include <boost/serialization/item_version_type.hpp>
-#include <boost/serialization/library_version_type.hpp>
 #include <boost/serialization/nvp.hpp>
-#include <boost/serialization/string.hpp>
-#include <boost/uuid/uuid.hpp>
 
-#include <filesystem>
 #include <iosfwd>
 #include <string>
 #include <type_traits>
@@ -101,11 +96,9 @@ class portable_binary_oarchive
 
   portable_binary_archive_impl::AnnotationMode mode_;
   unsigned annotations_disabled_ = 0;
+  portable_binary_archive_impl::NameChecksums checksums_;
 };
 
 }  // namespace kestrel
 
-BOOST_CLASS_IMPLEMENTATION(boost::uuids::uuid, boost::serialization::primitive_type)
-BOOST_CLASS_IMPLEMENTATION(boost::filesystem::path, boost::serialization::primitive_type)
-BOOST_CLASS_IMPLEMENTATION(std::filesystem::path, boost::serialization::primitive_type)
 BOOST_SERIALIZATION_REGISTER_ARCHIVE(kestrel::portable_binary_oarchive)

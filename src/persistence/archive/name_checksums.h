@@ -1,0 +1,35 @@
+#pragma once
+
+#include "persistence/archive/archive_format.h"
+
+#include <array>
+#include <cstdint>
+#include <string>
+
+namespace kestrel::portable_binary_archive_impl {
+
+/// The checksums of item names, remembered: an archive meets few names, each of them very often. A slot is found by the
+/// address of the text and holds a copy of it, because the text behind an address can change.
+class NameChecksums {
+ public:
+  struct Slot {
+    std::string name;
+    std::uint16_t checksum = 0;
+    bool used = false;  ///< for the owner's purposes; false again when the slot passes to another name
+  };
+
+  Slot& operator[](const char* name) {
+    Slot& slot = slots_[reinterpret_cast<std::uintptr_t>(name) / 4 % slots_.size()];
+    if (slot.name != name) {
+      slot.name = name;
+      slot.checksum = Crc16(slot.name.data(), slot.name.size(), 0);
+      slot.used = false;
+    }
+    return slot;
+  }
+
+ private:
+  std::array<Slot, 256> slots_;  // an empty name has the checksum 0, as the empty slots say
+};
+
+}  // namespace kestrel::portable_binary_archive_impl
