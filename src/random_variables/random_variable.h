@@ -1,6 +1,8 @@
 #pragma once
 
+#include <cstddef>
 #include <memory>
+#include <utility>
 #include <vector>
 
 #include "persistence/archive/persistent.h"
@@ -43,7 +45,7 @@ class RV_Base {
   double Sample(math::random::Generator& generator) const;
 
   /// The isoprobabilistic map u = Phi^-1(Cdf(x)) to a standard normal variable, and its inverse. Probabilities are kept
-  /// away from 0 and 1 by one rounding unit, so that finite values stay finite.
+  /// away from 0 and 1, so that finite values stay finite; above u = 8 a Cdf has no digits left.
   double ToStandardNormal(double x) const;
   double FromStandardNormal(double u) const;
 
@@ -58,6 +60,8 @@ class RV_Base {
 
   /// Quantile at p with 1 - p given beside it, which near 1 has digits that p has not.
   virtual double InverseCdf(double p, double complement) const = 0;
+  /// The moments of an order below `limit`, those that exist, by integration of the quantile function.
+  RVMoments IntegratedMoments(double limit) const;
   double Param(std::size_t index) const { return params_[index]; }
 
  private:
