@@ -15,9 +15,6 @@
 
 namespace kestrel::algorithm::datatypes {
 
-using DesignEntrySequence = CNVPSequence<std::wstring, CDesignEntry, std::uint64_t>;
-using CriterionSequence = CNVPSequence<std::wstring, Criterion, std::uint64_t>;
-
 /// True for a value that no computation can use: uninitialized, NaN or infinite.
 bool IsBad(const CDesignEntry& entry);
 
@@ -32,16 +29,16 @@ class Design {
   explicit Design(CHierachicalId id) : id_(std::move(id)) {}
   /// With uninitialized values under the names "p0", "p1", ... and "r0", "r1", ...
   Design(std::size_t parameter_count, std::size_t response_count, CHierachicalId id);
-  Design(DesignEntrySequence parameters, CHierachicalId id) : parameters_(std::move(parameters)), id_(std::move(id)) {}
+  Design(CDesignEntrySequence parameters, CHierachicalId id) : parameters_(std::move(parameters)), id_(std::move(id)) {}
 
   /// Replaces the values together with the header. Sizes that differ are refused with utils::logic_error
   /// "SetParameters: Wrong dimension of parameters (%1% / %2%)." and "SetResponses: Wrong dimension of responses (%1% /
   /// %2%)." (new, old) unless there were no values.
-  void SetParameters(DesignEntrySequence parameters);
-  void SetResponses(DesignEntrySequence responses);
+  void SetParameters(CDesignEntrySequence parameters);
+  void SetResponses(CDesignEntrySequence responses);
   /// Replace without a check.
-  void SetParametersUnsafe(DesignEntrySequence parameters) { parameters_ = std::move(parameters); }
-  void OverrideResponses(DesignEntrySequence responses) { responses_ = std::move(responses); }
+  void SetParametersUnsafe(CDesignEntrySequence parameters) { parameters_ = std::move(parameters); }
+  void OverrideResponses(CDesignEntrySequence responses) { responses_ = std::move(responses); }
   /// Sets the response, which is appended if it is new.
   void OverrideResponse(const std::wstring& key, CDesignEntry value);
   /// Raises utils::logic_error "Response \"%1%\" already exists." when it is there.
@@ -81,8 +78,8 @@ class Design {
   void SetWorkflowId(eAlgorithm algorithm) { workflow_id_ = algorithm; }
   eAlgorithm GetWorkflowId() const { return workflow_id_; }
 
-  const DesignEntrySequence& GetParameters() const { return parameters_; }
-  const DesignEntrySequence& GetResponses() const { return responses_; }
+  const CDesignEntrySequence& GetParameters() const { return parameters_; }
+  const CDesignEntrySequence& GetResponses() const { return responses_; }
   const CriterionSequence& GetCriteria() const { return criteria_; }
   std::size_t GetNumParameters() const { return parameters_.size(); }
   std::size_t GetNumResponses() const { return responses_.size(); }
@@ -121,14 +118,10 @@ class Design {
  private:
   friend class boost::serialization::access;
   template <class Archive>
-  void save(Archive& archive, unsigned int version) const;
-  template <class Archive>
-  void load(Archive& archive, unsigned int version);
-  template <class Archive>
   void serialize(Archive& archive, unsigned int version);
 
-  DesignEntrySequence parameters_;
-  DesignEntrySequence responses_;
+  CDesignEntrySequence parameters_;
+  CDesignEntrySequence responses_;
   RunInfoContainer status_;
   CHierachicalId duplicates_;
   CriterionSequence criteria_;

@@ -21,7 +21,7 @@ std::vector<std::wstring> getLimitStateNames(const DesignManager& manager);
 std::vector<std::wstring> getSignalNames(const DesignManager& manager);
 
 /// The parameter sequences of all designs in their order, not copied: valid as long as the designs are.
-std::vector<const DesignEntrySequence*> getDesignPointsFromDesigns(const DesignManager& manager);
+std::vector<const CDesignEntrySequence*> getDesignPointsFromDesigns(const DesignManager& manager);
 
 /// The ids of the designs whose parameters equal a row of `values` (one column per name), in the order of the rows.
 /// Equal rows take equal designs one after the other; a row that finds none left gives no id. Raises std::domain_error

@@ -40,12 +40,12 @@ class DesignManager {
   class AtomicStats {
    public:
     AtomicStats() = default;
-    AtomicStats(const AtomicStats& other) { *this = other.Get(); }
-    AtomicStats& operator=(const AtomicStats& other) { return *this = other.Get(); }
-    AtomicStats& operator=(const Stats& stats);
+    AtomicStats(const AtomicStats& other) noexcept { *this = other.Get(); }
+    AtomicStats& operator=(const AtomicStats& other) noexcept { return *this = other.Get(); }
+    AtomicStats& operator=(const Stats& stats) noexcept;
     ~AtomicStats() = default;
 
-    Stats Get() const;
+    Stats Get() const noexcept;
 
    private:
     friend class DesignManager;
@@ -136,17 +136,13 @@ class DesignManager {
   /// "Found criterion with same name but different criterion type.",
   /// "Found criterion with same name but different variant type.",
   /// "Found criterion with same name but incompatible data type.".
-  static DesignEntrySequence GetCompleteDummyParameters(const DesignManager& manager);
-  static DesignEntrySequence GetCompleteDummyResponses(const DesignManager& manager, bool strict = true);
+  static CDesignEntrySequence GetCompleteDummyParameters(const DesignManager& manager);
+  static CDesignEntrySequence GetCompleteDummyResponses(const DesignManager& manager, bool strict = true);
   static CriterionSequence GetCompleteDummyCriteria(const DesignManager& manager, bool strict = true);
   static Design GetCompleteDummyDesign(const DesignManager& manager, bool strict = true);
 
  private:
   friend class boost::serialization::access;
-  template <class Archive>
-  void save(Archive& archive, unsigned int version) const;
-  template <class Archive>
-  void load(Archive& archive, unsigned int version);
   template <class Archive>
   void serialize(Archive& archive, unsigned int version);
 

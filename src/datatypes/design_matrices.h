@@ -11,6 +11,9 @@
 
 namespace kestrel::algorithm::datatypes {
 
+/// A cell as a number: what `ConvertDesignpointEntry<double>` gives or raises, and NaN for an uninitialized cell.
+double ToNumber(const CDesignEntry& entry);
+
 /// One finished design per row with the ids first_id, first_id + 1, ... and Real values.
 /// @param parameters  N x n, one column per parameter name.   @param responses  N x m, one column per response name.
 /// Names must be unique; sizes that do not fit raise utils::logic_error.
@@ -19,12 +22,11 @@ DesignManager CreateDesignsFromMatrices(const std::vector<std::wstring>& paramet
                                         const std::vector<std::wstring>& response_names,
                                         const math::MatrixIn& responses, std::uint64_t first_id = 1);
 
-/// The values of a design's parameters as numbers, in their order. An entry that is not a number raises what its
-/// conversion raises; an uninitialized one gives NaN.
-math::Vector DesignToFloatTypeVector(const DesignEntrySequence& values);
+/// The values of a design's parameters by `ToNumber`, in their order.
+math::Vector DesignToFloatTypeVector(const CDesignEntrySequence& values);
 
-/// N x names.size(): the named parameters or scalar responses of all designs as numbers. A name that a design does not
-/// have gives NaN. Costs no search where a design has its entries in the order of the names, or has the keys of the
+/// N x names.size(): the named parameters or scalar responses of all designs by `ToNumber`. A name that a design does
+/// not have gives NaN. Costs no search where a design has its entries in the order of the names, or has the keys of the
 /// design before it.
 math::Matrix ConvertParametersToMatrix(const DesignManager& manager, const std::vector<std::wstring>& names);
 math::Matrix ConvertScalarResponsesToMatrix(const DesignManager& manager, const std::vector<std::wstring>& names);
