@@ -1,15 +1,14 @@
 #pragma once
 
-#include <boost/blank.hpp>
 #include <boost/numeric/ublas/fwd.hpp>
-#include <boost/variant/recursive_wrapper.hpp>
-#include <boost/variant/variant.hpp>
 #include <complex>
 #include <cstddef>
 #include <iosfwd>
 #include <string>
+#include <variant>
 
 #include "persistence/archive/persistent.h"
+#include "values/value_box.h"
 #include "values/variant_exceptions.h"
 
 namespace kestrel::math {
@@ -123,8 +122,8 @@ class Variant {
   bool Equal(const Variant& other) const;
   bool NearTo(const Variant& other, T tolerance) const;
 
-  /// Appends the channels of a signal, or the rows of a matrix with as many columns, or a vector as one channel. Raises
-  /// CTypeException or CDomainException.
+  /// Appends to a signal or x-y data the channels of another, the rows of a matrix with one column per sample, or a
+  /// vector with one entry per sample. Raises CTypeException or CDomainException.
   void addChannels(const Variant& channels);
 
  private:
@@ -132,14 +131,19 @@ class Variant {
   template <class Archive>
   void serialize(Archive& archive, unsigned int version);
   template <class Archive>
-  void SerializeContent(Archive& archive, EKind kind);
+  void SerializeContent(Archive& archive);
+  void RequireConsistentContent() const;
 
   struct Signal;
   // Vectors, matrices and signals stand in a block of their own, so that a boolean or a scalar stays small.
-  using State = boost::variant<boost::blank, bool, Complex, boost::recursive_wrapper<VectorType>,
-                               boost::recursive_wrapper<MatrixType>, boost::recursive_wrapper<Signal>>;
+  using State =
+      std::variant<std::monostate, bool, Complex, ValueBox<VectorType>, ValueBox<MatrixType>, ValueBox<Signal>>;
 
-  const Signal* GetSignal() const;
+  const Signal* GetSignal() const { return Content<Signal>(); }
+  template <class C>
+  const C* Content() const;
+  template <class Holds>
+  bool Test(bool any, Holds holds) const;
 
   State ks_;
   bool complex_ = false;

@@ -1,15 +1,9 @@
-#pragma once
-
-// The stored form of CNVPSequence, for the source files that instantiate it.
+#include "datatypes/nvp_sequence.h"
 
 #include <boost/archive/archive_exception.hpp>
-#include <boost/serialization/library_version_type.hpp>
-// list.hpp needs the above ahead of it.
-#include <boost/serialization/list.hpp>
-#include <boost/serialization/nvp.hpp>
-#include <boost/serialization/utility.hpp>
 
-#include "datatypes/nvp_sequence.h"
+#include "datatypes/criterion.h"
+#include "persistence/archive/archives.h"
 
 namespace kestrel {
 
@@ -25,3 +19,7 @@ void CNVPSequence<K, V, I>::serialize(Archive& archive, unsigned int) {
 }
 
 }  // namespace kestrel
+
+KESTREL_INSTANTIATE_SERIALIZE(kestrel::CDesignEntrySequence)
+KESTREL_INSTANTIATE_SERIALIZE(kestrel::CVariantSequence)
+KESTREL_INSTANTIATE_SERIALIZE(kestrel::algorithm::datatypes::CriterionSequence)
