@@ -193,7 +193,8 @@ void load(kestrel::portable_binary_iarchive& archive, boost::variant<First, Othe
   };
   int index = 0;
   const bool is_loaded =
-      (which == index++ && load_alternative(First{})) || (... || (which == index++ && load_alternative(Others{})));
+      (which == index++ && load_alternative(First{})) ||
+      (... || (which == index++ && load_alternative(typename boost::unwrap_recursive<Others>::type{})));
   if (!is_loaded) throw archive::archive_exception(archive::archive_exception::unsupported_version);
 }
 
