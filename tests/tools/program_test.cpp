@@ -1,15 +1,12 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <sys/wait.h>
 
 #include <cmath>
-#include <cstdlib>
-#include <sstream>
 #include <string>
 #include <vector>
 
 #include "csv_reader.h"
-#include "numbers.h"
+#include "run_zor.h"
 #include "support/temporary_folder.h"
 
 namespace kestrel::cli {
@@ -18,40 +15,8 @@ namespace {
 using testing::AllOf;
 using testing::ContainsRegex;
 using testing::HasSubstr;
-using testing::IsEmpty;
 using testing::MatchesRegex;
 using testing::StartsWith;
-
-struct Result {
-  int status;
-  std::string out;
-  std::string err;
-};
-
-/// Runs `zor` with arguments for the shell, in the folder.
-Result RunZor(const TemporaryFolder& folder, const std::string& arguments) {
-  const std::string command = "cd '" + folder.Path("") + "' && '" ZOR_PROGRAM "' " + arguments + " >out 2>err";
-  const int status = std::system(command.c_str());
-  EXPECT_TRUE(WIFEXITED(status)) << "killed by a signal: zor " << arguments;
-  return {WEXITSTATUS(status), folder.Read("out"), folder.Read("err")};
-}
-
-/// y = 1 + 2 a - 3 b + 4 a b without noise and z = 7 - c, of 48 designs; z is missing in every sixth.
-double Y(double a, double b) { return 1.0 + 2.0 * a - 3.0 * b + 4.0 * a * b; }
-
-std::string ExactDesigns() {
-  std::ostringstream csv;
-  csv << "id,a,b,c,y,z\n";
-  for (int i = 0; i < 48; ++i) {
-    const double a = 0.25 * (i % 7);
-    const double b = 0.5 * ((5 * i) % 11) - 2.0;
-    const double c = (3 * i) % 13;
-    csv << "run " << i << ',' << a << ',' << b << ',' << c << ',' << ExactText(Y(a, b)) << ',';
-    if (i % 6 != 3) csv << 7.0 - c;
-    csv << '\n';
-  }
-  return csv.str();
-}
 
 const char kFit[] = "fit designs.csv --inputs a,b,c --outputs y,z ";
 
@@ -149,11 +114,7 @@ TEST(Program, AnswersEveryFaultWithOneLine) {
   folder.Write("names.csv", "größe,y,PI\n1,2,3\n");
   folder.Write("missing.csv", "a,y\n1,\n2,nan\n3,inf\n");
   folder.Write("nameless.csv", "a,y,\n1,2,3\n");
-  const struct {
-    const char* arguments;
-    int status;
-    const char* text;
-  } calls[] = {
+  const FaultyCall calls[] = {
       {"", 2, "A subcommand is required; see 'zor fit --help'"},
       {"fit --outputs y", 2, "designs is required; see 'zor fit --help'"},
       {"fit designs.csv --outputs y --jobs many", 2, "Could not convert: --jobs = many; see 'zor fit --help'"},
@@ -178,16 +139,13 @@ TEST(Program, AnswersEveryFaultWithOneLine) {
        "designs.csv: Would overwrite a file that is read."},
       {"fit designs.csv --inputs a --outputs y --cv none/cv.csv", 2,
        "none/cv.csv: Cannot be written: No such file or directory."},
+      {"fit designs.csv --inputs a --outputs y --predict points.csv --output new.csv --cv ./new.csv", 2,
+       "--output and --cv name the same file."},
       {"fit designs.csv --inputs a --outputs y --set max_coi=2", 1, "ERROR: Importance limit must be between 0 and 1."},
       {"fit designs.csv --inputs a,b,c --outputs y --cv /dev/full", 1,
        "/dev/full: Not all could be written: No space left on device."},
   };
-  for (const auto& call : calls) {
-    const Result result = RunZor(folder, call.arguments);
-    EXPECT_EQ(result.status, call.status) << call.arguments;
-    EXPECT_EQ(result.err, "zor: " + std::string(call.text) + "\n") << call.arguments;
-    EXPECT_THAT(result.out, IsEmpty()) << call.arguments;
-  }
+  for (const FaultyCall& call : calls) ExpectRefusal(folder, call);
   EXPECT_EQ(folder.Read("designs.csv"), ExactDesigns());
 }
 

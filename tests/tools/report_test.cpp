@@ -16,14 +16,15 @@ Report TwoOutputs() {
   Report report;
   report.inputs = {"größe", "b", "c"};
   report.designs = 12;
-  report.outputs = {{"y", "Linear Regression | 2", "polynomial", 0.98765, {0.25, kNan, 0.75}, {2, 0}, 12, 5},
-                    {"kraft", "Linear Regression | 0", "polynomial", kNan, {kNan, kNan, kNan}, {}, 7, 0}};
+  report.models = {{"y", "Linear Regression | 2", "polynomial", 0.98765, {0.25, kNan, 0.75}, {2, 0}},
+                   {"kraft", "Linear Regression | 0", "polynomial", kNan, {kNan, kNan, kNan}, {}}};
+  report.cross_validations = {{12, 5}, {7, 0}};
   return report;
 }
 
 TEST(Report, IsATableForPeople) {
   std::ostringstream text;
-  PrintTable(text, TwoOutputs());
+  PrintReport(text, TwoOutputs());
   EXPECT_EQ(text.str(),
             "output  model                  inputs  CoP     inputs by single CoP\n" + std::string(110, '-') +
                 "\n"
@@ -36,7 +37,7 @@ TEST(Report, IsATableForPeople) {
 
 TEST(Report, IsOneObjectForPrograms) {
   std::ostringstream text;
-  PrintJson(text, TwoOutputs(), {1.5, kNan, 2.0, 0.1});
+  PrintJson(text, TwoOutputs(), {{"y", "kraft"}, 2, {1.5, kNan, 2.0, 0.1}});
   EXPECT_EQ(text.str(), std::string("{\n  \"version\": \"") + zor_get_version_str() + R"(",
   "designs": 12,
   "outputs": [
@@ -68,6 +69,7 @@ TEST(Report, IsOneObjectForPrograms) {
 TEST(Json, EscapesWhatItMust) {
   using namespace std::string_literals;
   EXPECT_EQ(JsonText("a\"b\\c/ü\n\t\x01\x1f\x7f\0"s), "\"a\\\"b\\\\c/ü\\u000a\\u0009\\u0001\\u001f\x7f\\u0000\"");
+  EXPECT_EQ(JsonText("a\xff\xc3(\xe2\x82"), "\"a\uFFFD\uFFFD(\uFFFD\uFFFD\"");
   EXPECT_EQ(JsonNumber(-1e-300), "-1e-300");
   EXPECT_EQ(JsonNumber(std::numeric_limits<double>::infinity()), "null");
 }

@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+#include "table.h"
+
 namespace kestrel::cli {
 
 /// What the cells of a wanted column may hold: finite numbers only, or also nothing, "nan" and infinities.
@@ -14,13 +16,6 @@ enum class CellRule { kFinite, kAnyNumber };
 struct Column {
   std::size_t position;
   CellRule rule;
-};
-
-/// Numbers of the wanted columns, in the order in which they were wanted.
-struct Table {
-  std::vector<std::string> names;
-  std::size_t rows = 0;
-  std::vector<double> values;  ///< rows x names, row by row; an allowed empty cell is NaN
 };
 
 /// Asked once, with the names of the header row, which columns are wanted. It may throw InputError itself.
@@ -34,7 +29,8 @@ constexpr std::size_t kMaxNumbers = 100000000;  ///< 800 MB of doubles
 
 /// Reads a CSV file with a header row: separated by commas, cells optionally in double quotes, lines ended by LF, CRLF
 /// or CR, UTF-8 with or without a byte order mark. Blank lines are skipped, blanks around a cell do not count. The
-/// cells of columns that are not wanted may hold any text. Throws InputError with one line "FILE: row R, column C
+/// table has the wanted columns in the order in which they were wanted; an allowed empty cell is NaN. The cells of
+/// columns that are not wanted may hold any text. Throws InputError with one line "FILE: row R, column C
 /// (NAME): what is wrong". Rows and columns count from 1 as in a spreadsheet: the header is row 1 and blank lines
 /// count.
 Table ReadTable(const std::string& path, const ChooseColumns& choose);

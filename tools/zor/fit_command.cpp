@@ -4,8 +4,10 @@
 #include <cmath>
 #include <limits>
 
+#include "columns.h"
 #include "csv_reader.h"
 #include "errors.h"
+#include "evaluation.h"
 #include "handle.h"
 #include "options.h"
 #include "output_file.h"
@@ -15,23 +17,6 @@
 namespace kestrel::cli {
 
 namespace {
-
-using Header = std::vector<std::string>;
-
-std::string HeaderPlace(const std::string& path, std::size_t position) {
-  return path + ": row 1, column " + std::to_string(position + 1) + ": ";
-}
-
-/// The position of a column that the user named, in the arguments or in the header of the designs.
-std::size_t PositionOf(const std::string& path, const Header& header, const std::string& name) {
-  constexpr std::size_t kMostNames = 12;
-  const auto found = std::find(header.begin(), header.end(), name);
-  if (found != header.end()) return static_cast<std::size_t>(found - header.begin());
-  std::vector<std::string> names;
-  for (std::size_t i = 0; i < std::min(header.size(), kMostNames); ++i) names.push_back(Quoted(header[i]));
-  if (header.size() > kMostNames) names.emplace_back("...");
-  throw InputError(path + ": There is no column " + Quoted(name) + "; the file has " + Joined(names, ", ") + ".");
-}
 
 /// The positions of the inputs, then those of the outputs. No column is taken twice.
 std::vector<std::size_t> ChoosePositions(const FitArguments& arguments, const Header& header) {
@@ -84,7 +69,7 @@ void SetNamesOf(const Handle& handle, SetNames set_names, GetNameCount get_count
 void RequireValues(const std::string& path, const Table& designs, std::size_t first_output) {
   if (designs.rows == 0) throw InputError(path + ": The file has no designs below its header row.");
   for (std::size_t column = first_output; column < designs.names.size(); ++column) {
-    const std::vector<double> values = DesignColumn(designs, column);
+    const std::vector<double> values = ColumnValues(designs, column);
     if (std::none_of(values.begin(), values.end(), [](double value) { return std::isfinite(value); })) {
       throw InputError(path + ": The output " + Quoted(designs.names[column]) + " has no finite value.");
     }
@@ -116,55 +101,26 @@ Table ReadDesigns(const FitArguments& arguments, const Handle& handle, std::size
   return designs;
 }
 
-/// Reads the inputs of the points; their columns may stand in any order, among others.
-Table ReadPoints(const std::string& path, const Table& designs, std::size_t input_count) {
-  return ReadTable(path, [&](const Header& header) {
-    std::vector<Column> columns;
-    for (std::size_t input = 0; input < input_count; ++input) {
-      columns.push_back({PositionOf(path, header, designs.names[input]), CellRule::kFinite});
-    }
-    return columns;
-  });
-}
-
 void RequireWritableTargets(const FitArguments& arguments) {
-  std::vector<std::string> sources = {arguments.designs, arguments.points};
-  for (const std::string& target : {arguments.predictions, arguments.cross_validation}) {
-    if (!target.empty()) RequireWritable(target, sources);
-  }
-  if (!arguments.predictions.empty() && arguments.predictions == arguments.cross_validation) {
-    throw InputError("--output and --cv name the same file.");
-  }
+  RequireWritable({{"--output", arguments.predictions}, {"--cv", arguments.cross_validation}},
+                  {arguments.designs, arguments.points});
 }
 
-/// Points x outputs, row by row.
-std::vector<double> Predict(const FitArguments& arguments, const Handle& handle, const Table& points) {
-  std::vector<double> predictions(points.rows * arguments.outputs.size());
-  const auto solve = arguments.extrapolate ? &zor_solve_extrapolate : &zor_solve;
-  const std::uint32_t code =
-      solve(handle.get(), points.values.data(), predictions.data(), static_cast<std::uint32_t>(points.rows));
-  try {
-    handle.Check(code);
-  } catch (const WorkError& error) {
-    if (arguments.extrapolate) throw;
-    throw WorkError(std::string(error.what()) + " (--extrapolate predicts points outside the bounds)");
-  }
-  return predictions;
-}
-
-/// Observed and cross-validation values, designs x (2 x outputs); NaN for a design left out of an output's model.
-std::vector<double> CrossValidationColumns(const Handle& handle, const Table& designs, std::size_t input_count) {
+/// Observed and cross-validation values, two columns per output; NaN for a design left out of an output's model.
+Table CrossValidationValues(const Handle& handle, const Table& designs, std::size_t input_count) {
   constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
   const std::size_t outputs = designs.names.size() - input_count;
-  std::vector<double> pairs(designs.rows * 2 * outputs, kNan);
+  Table pairs{{}, designs.rows, std::vector<double>(designs.rows * 2 * outputs, kNan)};
   std::vector<double> predicted(designs.rows);
   for (std::size_t output = 0; output < outputs; ++output) {
+    const std::string& name = designs.names[input_count + output];
+    pairs.names.insert(pairs.names.end(), {name, name + "_cv"});
     handle.Check(zor_calculate_cv_values_per_output(handle.get(), static_cast<std::int32_t>(output), predicted.data()));
-    const std::vector<double> observed = DesignColumn(designs, input_count + output);
+    const std::vector<double> observed = ColumnValues(designs, input_count + output);
     std::size_t used = 0;
     for (std::size_t row = 0; row < designs.rows; ++row) {
       if (!std::isfinite(observed[row])) continue;
-      double* const pair = &pairs[(row * outputs + output) * 2];
+      double* const pair = &pairs.values[(row * outputs + output) * 2];
       pair[0] = observed[row];
       pair[1] = predicted[used++];
     }
@@ -172,15 +128,9 @@ std::vector<double> CrossValidationColumns(const Handle& handle, const Table& de
   return pairs;
 }
 
-void WriteCrossValidation(const FitArguments& arguments, const Handle& handle, const Table& designs,
-                          std::size_t input_count) {
-  std::vector<std::string> names;
-  for (const std::string& output : arguments.outputs) {
-    names.push_back(output);
-    names.push_back(output + "_cv");
-  }
-  const std::vector<double> pairs = CrossValidationColumns(handle, designs, input_count);
-  WriteFile(arguments.cross_validation, [&](std::ostream& file) { WriteCsv(file, names, pairs); });
+void WriteFiles(const FitArguments& arguments, const Table& cross_validation, const Table& predictions) {
+  if (!arguments.cross_validation.empty()) WriteCsvFile(arguments.cross_validation, cross_validation);
+  if (!arguments.predictions.empty()) WriteCsvFile(arguments.predictions, predictions);
 }
 
 }  // namespace
@@ -192,24 +142,26 @@ void RunFit(const FitArguments& arguments, std::ostream& out, std::ostream& note
   std::size_t input_count = 0;
   const Table designs = ReadDesigns(arguments, handle, input_count);
   const bool has_points = !arguments.points.empty();
-  const Table points = has_points ? ReadPoints(arguments.points, designs, input_count) : Table();
+  const auto first_output = designs.names.begin() + static_cast<std::ptrdiff_t>(input_count);
+  const Table points = has_points ? ReadPoints(arguments.points, {designs.names.begin(), first_output}) : Table();
   RequireWritableTargets(arguments);
 
   handle.Check(zor_build(handle.get(), designs.values.data(), static_cast<std::uint32_t>(designs.rows)));
 
   const Report report = CollectReport(handle, designs, input_count);
-  const std::vector<double> predictions = has_points ? Predict(arguments, handle, points) : std::vector<double>();
-  if (!arguments.cross_validation.empty()) WriteCrossValidation(arguments, handle, designs, input_count);
-  const auto write_predictions = [&](std::ostream& file) { WriteCsv(file, arguments.outputs, predictions); };
-  const bool has_file = !arguments.predictions.empty();
-  if (has_file) WriteFile(arguments.predictions, write_predictions);
+  const Evaluation models{handle, arguments.outputs, arguments.extrapolate};
+  const Table predictions = has_points ? Predictions(models, points) : Table();
+  const Table cross_validation =
+      arguments.cross_validation.empty() ? Table() : CrossValidationValues(handle, designs, input_count);
+  WriteFiles(arguments, cross_validation, predictions);
+  const bool predictions_have_file = !arguments.predictions.empty();
   if (arguments.json) {
-    PrintJson(out, report, has_file ? std::vector<double>() : predictions);
+    PrintJson(out, report, predictions_have_file ? Table() : predictions);
     return;
   }
-  const bool predictions_take_out = has_points && !has_file;
-  PrintTable(predictions_take_out ? notes : out, report);
-  if (predictions_take_out) write_predictions(out);
+  const bool predictions_take_out = has_points && !predictions_have_file;
+  PrintReport(predictions_take_out ? notes : out, report);
+  if (predictions_take_out) WriteCsv(out, predictions);
 }
 
 }  // namespace kestrel::cli

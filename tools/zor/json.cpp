@@ -1,5 +1,6 @@
 #include "json.h"
 
+#include <algorithm>
 #include <cmath>
 
 #include "numbers.h"
@@ -17,17 +18,19 @@ std::string EscapedControl(unsigned char code) {
 }  // namespace
 
 std::string JsonText(std::string_view text) {
+  constexpr std::string_view kReplacement = "\xEF\xBF\xBD";  // U+FFFD, for what is no character
   std::string out = "\"";
-  for (const char character : text) {
-    const auto code = static_cast<unsigned char>(character);
-    if (character == '"' || character == '\\') {
-      out += '\\';
-      out += character;
-    } else if (code < 0x20U) {
+  while (!text.empty()) {
+    const std::size_t length = CharacterLength(text);
+    const std::string_view character = text.substr(0, std::max<std::size_t>(length, 1));
+    const auto code = static_cast<unsigned char>(character.front());
+    if (code == '"' || code == '\\') out += '\\';
+    if (code < 0x20U) {
       out += EscapedControl(code);
     } else {
-      out += character;
+      out += length == 0 ? kReplacement : character;
     }
+    text.remove_prefix(character.size());
   }
   return out + '"';
 }

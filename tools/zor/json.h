@@ -6,7 +6,7 @@
 
 namespace kestrel::cli {
 
-/// A JSON string, quotes included. UTF-8 stays as it is; the text must be UTF-8.
+/// A JSON string, quotes included. UTF-8 stays as it is; a byte that is not UTF-8 becomes U+FFFD.
 std::string JsonText(std::string_view text);
 
 /// A JSON number that reads back as the same double; `null` for NaN and infinities, which JSON does not know.

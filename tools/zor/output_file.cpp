@@ -6,6 +6,7 @@
 #include <cmath>
 #include <cstring>
 #include <filesystem>
+#include <fstream>
 #include <system_error>
 
 #include "errors.h"
@@ -14,19 +15,47 @@
 
 namespace kestrel::cli {
 
-void RequireWritable(const std::string& path, const std::vector<std::string>& sources) {
+namespace {
+
+namespace fs = std::filesystem;
+
+void RequireWritableFile(const std::string& path) {
   std::error_code ignored;
-  const std::filesystem::path file(path);
-  if (std::filesystem::is_directory(file, ignored)) throw InputError(path + ": Is a directory.");
-  const bool exists = std::filesystem::exists(file, ignored);
-  const std::filesystem::path folder = file.has_parent_path() ? file.parent_path() : std::filesystem::path(".");
-  const bool is_allowed = exists ? access(path.c_str(), W_OK) == 0 : access(folder.c_str(), W_OK | X_OK) == 0;
+  const fs::path file(path);
+  if (fs::is_directory(file, ignored)) throw InputError(path + ": Is a directory.");
+  const fs::path folder = file.has_parent_path() ? file.parent_path() : fs::path(".");
+  const bool is_allowed =
+      fs::exists(file, ignored) ? access(path.c_str(), W_OK) == 0 : access(folder.c_str(), W_OK | X_OK) == 0;
   if (!is_allowed) throw InputError(path + ": Cannot be written: " + std::strerror(errno) + ".");
-  for (const std::string& source : sources) {
-    // Only what lies on a disk can be lost; /dev/null may be named twice.
-    if (std::filesystem::is_regular_file(file, ignored) && std::filesystem::equivalent(file, source, ignored)) {
-      throw InputError(path + ": Would overwrite a file that is read.");
+}
+
+/// Whether one file would replace the other. Only what lies on a disk can be lost; /dev/null may be named twice.
+bool IsSameFile(const std::string& path, const std::string& other) {
+  std::error_code ignored;
+  if (fs::exists(path, ignored)) return fs::is_regular_file(path, ignored) && fs::equivalent(path, other, ignored);
+  // Of a relative path nothing is resolved if nothing of it exists.
+  const auto resolved = [&](const std::string& name) {
+    return fs::weakly_canonical(fs::absolute(name, ignored), ignored);
+  };
+  return resolved(path) == resolved(other);
+}
+
+}  // namespace
+
+void RequireWritable(const std::vector<Target>& targets, const std::vector<std::string>& sources) {
+  std::vector<Target> given;
+  for (const Target& target : targets) {
+    if (target.path.empty()) continue;
+    RequireWritableFile(target.path);
+    for (const std::string& source : sources) {
+      if (IsSameFile(target.path, source)) throw InputError(target.path + ": Would overwrite a file that is read.");
     }
+    for (const Target& other : given) {
+      if (IsSameFile(target.path, other.path)) {
+        throw InputError(other.option + " and " + target.option + " name the same file.");
+      }
+    }
+    given.push_back(target);
   }
 }
 
@@ -38,21 +67,21 @@ void RequireWritten(std::ostream& stream, const std::string& name) {
                   ".");
 }
 
-void WriteFile(const std::string& path, const std::function<void(std::ostream&)>& write) {
-  std::ofstream file(path, std::ios::binary | std::ios::trunc);
-  write(file);
-  RequireWritten(file, path);
-}
-
-void WriteCsv(std::ostream& stream, const std::vector<std::string>& names, const std::vector<double>& values) {
-  stream << Joined(names, ",") << '\n';
+void WriteCsv(std::ostream& stream, const Table& table) {
+  stream << Joined(table.names, ",") << '\n';
   std::size_t column = 0;
-  for (const double value : values) {
+  for (const double value : table.values) {
     if (!std::isnan(value)) stream << ExactText(value);
     ++column;
-    stream << (column == names.size() ? '\n' : ',');
-    if (column == names.size()) column = 0;
+    stream << (column == table.names.size() ? '\n' : ',');
+    if (column == table.names.size()) column = 0;
   }
+}
+
+void WriteCsvFile(const std::string& path, const Table& table) {
+  std::ofstream file(path, std::ios::binary | std::ios::trunc);
+  WriteCsv(file, table);
+  RequireWritten(file, path);
 }
 
 }  // namespace kestrel::cli

@@ -10,19 +10,6 @@ constexpr std::size_t kLongestQuote = 60;  // bytes of the original
 
 bool IsContinuation(char byte) { return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U; }
 
-/// Number of bytes of the UTF-8 character that starts at `text`; 0 if none does.
-std::size_t CharacterLength(std::string_view text) {
-  const auto lead = static_cast<unsigned char>(text.front());
-  const std::size_t length = lead < 0x80U                      ? 1
-                             : (lead >= 0xC2U && lead < 0xE0U) ? 2
-                             : (lead & 0xF0U) == 0xE0U         ? 3
-                             : (lead >= 0xF0U && lead < 0xF5U) ? 4
-                                                               : 0;
-  if (length == 0 || length > text.size()) return 0;
-  const bool whole = std::all_of(text.begin() + 1, text.begin() + static_cast<std::ptrdiff_t>(length), IsContinuation);
-  return whole ? length : 0;
-}
-
 /// C0 controls and DEL, and the C1 controls, which some terminals obey (U+0080 to U+009F are C2 80 to C2 9F).
 bool IsControl(std::string_view character) {
   const auto lead = static_cast<unsigned char>(character.front());
@@ -42,21 +29,39 @@ void AppendEscaped(std::string& out, std::string_view bytes) {
 
 }  // namespace
 
-std::string Quoted(std::string_view text) {
-  std::string out = "'";
-  std::size_t position = 0;
-  while (position < text.size() && position < kLongestQuote) {
-    const std::size_t length = CharacterLength(text.substr(position));
-    const std::string_view character = text.substr(position, std::max<std::size_t>(length, 1));
+std::size_t CharacterLength(std::string_view text) {
+  const auto lead = static_cast<unsigned char>(text.front());
+  const std::size_t length = lead < 0x80U                      ? 1
+                             : (lead >= 0xC2U && lead < 0xE0U) ? 2
+                             : (lead & 0xF0U) == 0xE0U         ? 3
+                             : (lead >= 0xF0U && lead < 0xF5U) ? 4
+                                                               : 0;
+  if (length == 0 || length > text.size()) return 0;
+  const bool whole = std::all_of(text.begin() + 1, text.begin() + static_cast<std::ptrdiff_t>(length), IsContinuation);
+  return whole ? length : 0;
+}
+
+std::string Escaped(std::string_view text) {
+  std::string out;
+  while (!text.empty()) {
+    const std::size_t length = CharacterLength(text);
+    const std::string_view character = text.substr(0, std::max<std::size_t>(length, 1));
     if (length == 0 || IsControl(character)) {
       AppendEscaped(out, character);
     } else {
       out += character;
     }
-    position += character.size();
+    text.remove_prefix(character.size());
   }
-  if (position < text.size()) out += "...";
-  return out + "'";
+  return out;
+}
+
+std::string Quoted(std::string_view text) {
+  std::size_t end = 0;  // behind the last whole character that is shown
+  while (end < text.size() && end < kLongestQuote) {
+    end += std::max<std::size_t>(CharacterLength(text.substr(end)), 1);
+  }
+  return "'" + Escaped(text.substr(0, end)) + (end < text.size() ? "...'" : "'");
 }
 
 std::size_t Width(std::string_view text) {

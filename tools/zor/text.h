@@ -7,9 +7,14 @@
 
 namespace kestrel::cli {
 
-/// The text in single quotes, fit for one line of a terminal: control characters and bytes that are not UTF-8 appear
-/// as \x1b, a long text is cut with "...".
+/// The text, fit for one line of a terminal: control characters and bytes that are not UTF-8 appear as \x1b.
+std::string Escaped(std::string_view text);
+
+/// The same in single quotes; a long text is cut with "...".
 std::string Quoted(std::string_view text);
+
+/// Number of bytes of the UTF-8 character that the text, which is not empty, starts with; 0 if it starts with none.
+std::size_t CharacterLength(std::string_view text);
 
 /// Number of characters of a UTF-8 text, taken as its width on a terminal.
 std::size_t Width(std::string_view text);
