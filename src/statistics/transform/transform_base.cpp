@@ -2,6 +2,7 @@
 
 #include <stdexcept>
 
+#include "persistence/archive/archives.h"
 #include "statistics/transform/transform_boxcox.h"
 
 namespace kestrel::math::transform {
@@ -16,4 +17,13 @@ bool Transform::AcceptsColumns(Index columns) const {
   return minmax == nullptr || need_build_ || minmax->GetNumberColumns() == columns;
 }
 
+template <class Archive>
+void Transform::serialize(Archive& archive, const unsigned int /*version*/) {
+  using boost::serialization::make_nvp;
+  archive& make_nvp("need_build_", need_build_);
+}
+
 }  // namespace kestrel::math::transform
+
+KESTREL_INSTANTIATE_SERIALIZE(kestrel::math::transform::Transform)
+BOOST_CLASS_EXPORT_IMPLEMENT(kestrel::math::transform::Transform)

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <stdexcept>
 
+#include "persistence/archive/archives.h"
 #include "persistence/archive/require_stored.h"
 
 namespace kestrel::math::transform {
@@ -118,4 +119,19 @@ void TransBoxCox::RequireBuiltScalar(const MatrixIn& data) const {
   if (data.cols() > 1) throw std::logic_error("TransBoxCox works only for scalar data");
 }
 
+template <class Archive>
+void TransBoxCox::serialize(Archive& archive, const unsigned int /*version*/) {
+  using boost::serialization::make_nvp;
+  archive& make_nvp("Transform", boost::serialization::base_object<Transform>(*this));
+  archive& make_nvp("lambda_", lambda_);
+  archive& make_nvp("lambda_inv_", lambda_inv_);
+  archive& make_nvp("min_scaled_", min_scaled_);
+  archive& make_nvp("max_scaled_", max_scaled_);
+  archive& make_nvp("trans_minmax_", trans_minmax_);
+  if constexpr (Archive::is_loading::value) RepairAndCheck();
+}
+
 }  // namespace kestrel::math::transform
+
+KESTREL_INSTANTIATE_SERIALIZE(kestrel::math::transform::TransBoxCox)
+BOOST_CLASS_EXPORT_IMPLEMENT(kestrel::math::transform::TransBoxCox)

@@ -3,6 +3,8 @@
 #include <boost/format.hpp>
 #include <stdexcept>
 
+#include "persistence/archive/archives.h"
+
 namespace kestrel::math::transform {
 
 bool TransLimits::Build(const MatrixIn&) {
@@ -33,4 +35,15 @@ bool TransLimits::operator==(const Transform& other) const {
 
 std::unique_ptr<Transform> TransLimits::Clone() const { return std::make_unique<TransLimits>(*this); }
 
+template <class Archive>
+void TransLimits::serialize(Archive& archive, const unsigned int /*version*/) {
+  using boost::serialization::make_nvp;
+  archive& make_nvp("Transform", boost::serialization::base_object<Transform>(*this));
+  archive& make_nvp("lower_limit_", lower_limit_);
+  archive& make_nvp("upper_limit_", upper_limit_);
+}
+
 }  // namespace kestrel::math::transform
+
+KESTREL_INSTANTIATE_SERIALIZE(kestrel::math::transform::TransLimits)
+BOOST_CLASS_EXPORT_IMPLEMENT(kestrel::math::transform::TransLimits)

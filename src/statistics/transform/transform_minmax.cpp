@@ -3,6 +3,7 @@
 #include <boost/format.hpp>
 #include <stdexcept>
 
+#include "persistence/archive/archives.h"
 #include "persistence/archive/require_stored.h"
 #include "statistics/basic_statistics.h"
 
@@ -86,4 +87,19 @@ void TransMinMax::RequireConsistent() const {
                              L"Stored scaling: factors and offsets do not match.");
 }
 
+template <class Archive>
+void TransMinMax::serialize(Archive& archive, const unsigned int /*version*/) {
+  using boost::serialization::make_nvp;
+  archive& make_nvp("Transform", boost::serialization::base_object<Transform>(*this));
+  archive& make_nvp("min_scaled_", min_scaled_);
+  archive& make_nvp("max_scaled_", max_scaled_);
+  archive& make_nvp("scaling_", scaling_);
+  archive& make_nvp("offset_forward_", offset_forward_);
+  archive& make_nvp("offset_backward_", offset_backward_);
+  if constexpr (Archive::is_loading::value) RequireConsistent();
+}
+
 }  // namespace kestrel::math::transform
+
+KESTREL_INSTANTIATE_SERIALIZE(kestrel::math::transform::TransMinMax)
+BOOST_CLASS_EXPORT_IMPLEMENT(kestrel::math::transform::TransMinMax)
