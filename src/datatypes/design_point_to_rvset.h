@@ -12,6 +12,6 @@ namespace kestrel::algorithm::datatypes {
 /// the manager's order. A mixed parameter's distribution moves its mean to the design's value. A Nataf model if there
 /// are correlations between them, else independent variables. Every failure is a utils::runtime_error.
 std::unique_ptr<RVSet_Base> TransformDesignPointToRVSet(const ParameterManager& manager,
-                                                        const CNVPSequence<std::wstring, CDesignEntry>& design_point);
+                                                        const CDesignEntrySequence& design_point);
 
 }  // namespace kestrel::algorithm::datatypes

@@ -18,6 +18,10 @@ enum class eKind : std::int32_t { kUndefined = 0, kContinuous = 1, kOrdinalDiscr
 
 namespace kestrel::algorithm::datatypes {
 
+/// The value as another type; an uninitialized entry stays one. Raises what the conversion of an entry raises, and
+/// utils::runtime_error for a type that no value has.
+CDesignEntry ConvertEntry(const CDesignEntry& entry, enums::DesignEntry::eType type);
+
 /// The range of values that a parameter may take in an optimization or a sampling. The failures below are
 /// utils::runtime_error and leave the property as it was.
 class DeterministicProperties {
@@ -71,18 +75,20 @@ class DeterministicProperties {
   bool operator==(const DeterministicProperties& other) const;
   bool operator!=(const DeterministicProperties& other) const { return !(*this == other); }
 
+  /// Name in files, member, class version that brought it; in stored order.
+  template <class Visit>
+  static void ForEachField(Visit visit);
+
  private:
   friend class boost::serialization::access;
   template <class Archive>
   void serialize(Archive& archive, unsigned int version);
-  template <class Visit>
-  static void ForEachField(Visit visit);
 
   void CheckBounds(const CDesignEntry& lower_bound, const CDesignEntry& upper_bound) const;
   void CheckAfterReading() const;
 
   bool ordered_flag_ = true;  // continuous values and ordinal states have an order
-  eType domain_flag_ = eType::kReal;
+  eType domain_flag_ = eType::REAL;
   CDesignEntry lower_bound_;
   CDesignEntry upper_bound_;
   std::vector<CDesignEntry> discrete_states_;

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <list>
 #include <map>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -116,16 +117,20 @@ class Parameter {
   bool operator==(const Parameter& other) const;
   bool operator!=(const Parameter& other) const { return !(*this == other); }
 
+  /// Name in files, member, class version that brought it; in stored order.
+  template <class Visit>
+  static void ForEachField(Visit visit);
+
  private:
   friend class boost::serialization::access;
   template <class Archive>
   void serialize(Archive& archive, unsigned int version);
-  template <class Visit>
-  static void ForEachField(Visit visit);
 
   DeterministicProperties& FindDetProperty(const std::wstring& property);
+  template <class Change>
+  void ChangeDetKind(eDetKind kind, const Change& change);
   /// The type that the reference value must have; none if it is free.
-  const eType* AwaitedType() const;
+  std::optional<eType> AwaitedType() const;
 
   std::wstring name_;
   bool active_ = true;

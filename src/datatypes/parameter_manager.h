@@ -65,6 +65,8 @@ class ParameterManager {
   template <class Archive>
   void serialize(Archive& archive, unsigned int version);
 
+  std::list<Parameter>::const_iterator Find(const std::wstring& name) const;
+  const Parameter& Require(const std::wstring& name, const wchar_t* refusal) const;
   Parameter& Require(const std::wstring& name, const wchar_t* refusal);
 
   std::list<Parameter> parameters_;

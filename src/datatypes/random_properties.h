@@ -40,8 +40,9 @@ class RandomProperties {
   /// The numbers have passed the checks of the distribution.
   bool IsValidated() const { return validated_; }
 
-  /// A fixed coefficient of variation: the standard deviation follows the mean, stddev = cov x |mean|. It must be a
-  /// positive finite number; else utils::runtime_error.
+  /// A fixed coefficient of variation: the standard deviation follows the mean, stddev = cov x |mean|, at once in a
+  /// distribution that is given by its moments, else when its mean is moved. It must be a positive finite number; else
+  /// utils::runtime_error.
   void SetCOV(double cov);
   void ResetCOV();
   bool HasSetCOV() const { return has_set_cov_; }
@@ -57,15 +58,17 @@ class RandomProperties {
   bool operator==(const RandomProperties& other) const;
   bool operator!=(const RandomProperties& other) const { return !(*this == other); }
 
+  /// Name in files, member, class version that brought it; in stored order.
+  template <class Visit>
+  static void ForEachField(Visit visit);
+
  private:
   friend class boost::serialization::access;
   friend class Parameter;  // makes a stochastic parameter whose distribution is given later
   template <class Archive>
   void serialize(Archive& archive, unsigned int version);
-  template <class Visit>
-  static void ForEachField(Visit visit);
 
-  eType type_ = eType{};
+  eType type_ = eType::NORMAL;
   eKind kind_ = eKind::kDeterministic;
   std::vector<double> params_;
   std::vector<double> moments_;
