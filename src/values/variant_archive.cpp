@@ -1,9 +1,29 @@
 #include <algorithm>
 #include <boost/archive/archive_exception.hpp>
+#include <boost/numeric/ublas/storage.hpp>
 #include <boost/serialization/complex.hpp>
+#include <complex>
+#include <vector>
 
 #include "persistence/archive/archives.h"
 #include "values/variant_signal.h"
+
+namespace boost::serialization {
+
+/// Loads the cells of an uBLAS container. The bytes are those that uBLAS writes; its own loading takes memory for as
+/// many cells as the file promises, while here the memory grows with the cells that arrive.
+template <class T, class Allocator>
+void serialize(kestrel::portable_binary_iarchive& archive,
+               boost::numeric::ublas::unbounded_array<std::complex<T>, Allocator>& cells, unsigned /*version*/) {
+  archive.check_annotation("size");
+  const std::size_t count = archive.LoadCount(2 * sizeof(T));
+  std::vector<std::complex<T>> read;
+  for (std::size_t i = 0; i < count; ++i) archive >> make_nvp("item", read.emplace_back());
+  cells.resize(count);
+  std::copy(read.begin(), read.end(), cells.begin());
+}
+
+}  // namespace boost::serialization
 
 namespace kestrel::math {
 namespace {
