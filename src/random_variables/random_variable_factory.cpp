@@ -96,7 +96,7 @@ std::vector<double> ParametersFromMoments(eType type, double mean, double stddev
     case eType::EXPONENTIAL: return {1.0 / stddev, mean - stddev};
     case eType::GUMBEL: return GumbelParameters(mean, stddev);
     case eType::WEIBULL: return ShapeAndScale(mean, stddev, 1.0, 0.05);
-    case eType::FRECHET: return ShapeAndScale(mean, stddev, -1.0, 2.0);
+    case eType::FRECHET: return ShapeAndScale(mean, stddev, -1.0, 2.000001);
     default: break;
   }
   throw utils::runtime_error(L"Mean and standard deviation do not determine a distribution of type " +
