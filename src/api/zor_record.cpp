@@ -129,8 +129,8 @@ kestrel::zor::SampleTable ZOR::BuildHandlerData(kestrel::math::Matrix inputs, ke
 
 kestrel::zor::ZORCombinedSettings ZOR::GetCombinedSettings(const kestrel::zor::SampleTable& samples) const {
   kestrel::zor::ZORData data;
-  data.parameters_ = samples.parameter_names;
-  data.responses_ = samples.response_names;
+  data.SetParameters(samples.parameter_names);
+  data.SetResponses(samples.response_names);
   for (const std::wstring& name : samples.response_names) data.responses_usage_[name] = true;
   const std::vector<std::uint64_t>& importance = settings_.info_important_;
   if (importance.size() == samples.parameter_names.size()) {

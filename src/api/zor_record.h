@@ -9,10 +9,10 @@
 #include <utility>
 #include <vector>
 
-#include "build/combined_zor_settings_helper.h"
 #include "build/zor_handler.h"
 #include "build/zorsolver.h"
-#include "datatypes/results/surrogate_info.h"
+#include "datatypes/results/combined_zor_settings.h"
+#include "datatypes/results/zor_information.h"
 #include "selection/zor2_settings.h"
 #include "support/linear_algebra.h"
 #include "surrogates/surrogate2_base.h"

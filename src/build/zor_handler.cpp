@@ -80,8 +80,8 @@ std::pair<double, double> FiniteRange(const math::VectorIn& values) {
 
 /// The names, ranges and abilities of the samples beside the choices that the caller made.
 ZORData DescribeData(const SampleTable& samples, ZORData data) {
-  data.parameters_ = samples.parameter_names;
-  data.responses_ = samples.response_names;
+  data.SetParameters(samples.parameter_names);
+  data.SetResponses(samples.response_names);
   for (std::size_t i = 0; i < samples.response_names.size(); ++i) {
     const std::wstring& name = samples.response_names[i];
     data.responses_boundaries_[name] = FiniteRange(samples.responses.col(static_cast<math::Index>(i)));
@@ -146,7 +146,6 @@ bool CZORHandler::PrepareData(utils::log::LogBase& log) {
   if (samples_.parameter_names.empty()) return refuse(L"There are no parameters a ZOR can be found for.");
 
   information_.parameter_names_ = samples_.parameter_names;
-  information_.response_names_ = samples_.response_names;
   information_.sampling_limits_ = SampledRanges(samples_.parameters);
   information_.defined_limits_ = WidenedRanges(information_.sampling_limits_);
   return true;
@@ -159,10 +158,10 @@ bool CZORHandler::Check(utils::log::LogBase& log) const {
   }
   if (!settings_.WriteCVValues()) return true;
   bool good = true;
-  const std::vector<std::wstring>& all = settings_.GetZORData().responses_;
+  const CDesignEntrySequence& all = settings_.GetZORData().responses_;
   for (const std::wstring& name : samples_.response_names) {
     const std::wstring values_name = name + settings_.CVValuesSuffix();
-    if (std::find(all.begin(), all.end(), values_name) == all.end()) continue;
+    if (!all.Contains(values_name)) continue;
     log.Error() << L"Response " << values_name
                 << L" does already exist but would be the name of a cross valdiation value. "
                    L"Please change the cross validation suffix.";

@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
-#include "build/combined_zor_settings_helper.h"
-#include "datatypes/results/surrogate_info.h"
+#include "datatypes/results/combined_zor_settings.h"
+#include "datatypes/results/zor_information.h"
 #include "support/linear_algebra.h"
 #include "support/log.h"
 #include "support/stop_helper.h"

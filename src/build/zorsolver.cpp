@@ -27,7 +27,7 @@ ZORSolver::ZORSolver(bool keep_log) : kept_log_(std::make_shared<utils::log::Vec
 
 void ZORSolver::InitializeSolver(algorithm::datatypes::ZORInformation information) {
   information_ = std::move(information);
-  const algorithm::datatypes::SurrogateInfoContainer& infos = information_.surrogate_infos_;
+  algorithm::datatypes::SurrogateInfoContainer& infos = information_.surrogate_infos_;
   if (!infos.CheckSurrogatesAvailability(*log_)) return;  // those are refused when they are to be evaluated
   infos.SetLog(log_);
   infos.Build(information_.cv_indexes_);

@@ -7,7 +7,7 @@
 #include <utility>
 #include <vector>
 
-#include "datatypes/results/surrogate_info.h"
+#include "datatypes/results/zor_information.h"
 #include "support/linear_algebra.h"
 #include "support/log.h"
 

@@ -39,8 +39,8 @@ inline zor::SampleTable MakeSamples(math::Index designs, math::Index inputs, mat
 /// Advanced settings for all responses of the samples.
 inline zor::ZORCombinedSettings MakeSettings(const zor::SampleTable& samples, zor::ZORAdvancedSettings advanced = {}) {
   zor::ZORData data;
-  data.parameters_ = samples.parameter_names;
-  data.responses_ = samples.response_names;
+  data.SetParameters(samples.parameter_names);
+  data.SetResponses(samples.response_names);
   for (const std::wstring& name : samples.response_names) data.responses_usage_[name] = true;
   return {zor::eSettingsType::kAdvanced, std::move(data), false, zor::ZORAutomaticSettings(), std::move(advanced)};
 }

@@ -138,7 +138,7 @@ TEST(Handler, GathersTheModelsInTheOrderOfTheUsedResponses) {
   const ZORInformation information = BuildWith(samples, settings);
 
   EXPECT_EQ(information.parameter_names_, samples.parameter_names);
-  EXPECT_EQ(information.response_names_, (std::vector<std::wstring>{L"r0", L"r2"}));
+  EXPECT_EQ(information.GetResponseNames(), (std::vector<std::wstring>{L"r0", L"r2"}));
   const auto& infos = information.surrogate_infos_.GetInfos();
   ASSERT_EQ(infos.size(), 2u);
   EXPECT_EQ(infos[0].GetResponseName(), L"r0");

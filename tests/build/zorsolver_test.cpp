@@ -40,7 +40,6 @@ ZORInformation MakeInformation() {
     const double sign = name == L"first" ? 1.0 : -1.0;
     const auto regression = std::make_shared<LinearRegression>(points, sign * testing::Quadratic(points));
     regression->Initialize(quadratic);
-    information.response_names_.push_back(name);
     information.surrogate_infos_.AddSurrogateInfo(SurrogateInfo(name, regression, {}));
     information.cv_indexes_[name] = {};
   }

@@ -1,6 +1,10 @@
-#include "build/combined_zor_settings_helper.h"
+#include "datatypes/results/combined_zor_settings.h"
 
 #include <algorithm>
+#include <iterator>
+
+#include "persistence/archive/archives.h"
+#include "persistence/archive/serialize_fields.h"
 
 namespace kestrel::zor {
 namespace {
@@ -40,8 +44,23 @@ math::metamodel::ZORSettings DeriveSearchSettings(std::int32_t complexity, std::
   return settings;
 }
 
-bool Contains(const std::vector<std::wstring>& names, const std::wstring& name) {
-  return std::find(names.begin(), names.end(), name) != names.end();
+/// Entries without a value.
+CDesignEntrySequence MakeSequence(const std::vector<std::wstring>& names) {
+  CDesignEntrySequence sequence;
+  for (const std::wstring& name : names) sequence.Add(name, CDesignEntry());
+  return sequence;
+}
+
+template <class Value>
+void Overwrite(std::map<std::wstring, Value>& target, const std::map<std::wstring, Value>& source) {
+  for (const auto& [name, value] : source) target[name] = value;
+}
+
+template <class Value>
+void ForgetOthers(std::map<std::wstring, Value>& map, const CDesignEntrySequence& names) {
+  for (auto entry = map.begin(); entry != map.end();) {
+    entry = names.Contains(entry->first) ? std::next(entry) : map.erase(entry);
+  }
 }
 
 }  // namespace
@@ -69,17 +88,50 @@ bool ZORAdvancedSettings::Check(utils::log::LogBase& log) const {
   return pzor_settings_.CheckSettings(log) && check.Good();  // it reports a missing model, too
 }
 
+bool ZORAdvancedSettings::AnyCustomModelUsed() const {
+  const auto competes = [](const auto& entry) { return entry.second; };
+  const auto any = [&](const auto& usage) { return std::any_of(usage.begin(), usage.end(), competes); };
+  return !custom_surrogates_.empty() || any(zor_custom_id_usage_container_) || any(pzor_settings_.custom_);
+}
+
+void ZORData::SetParameters(const std::vector<std::wstring>& names) { parameters_ = MakeSequence(names); }
+
+void ZORData::SetResponses(const std::vector<std::wstring>& names) { responses_ = MakeSequence(names); }
+
+void ZORData::SetResponsesBoundaries(std::map<std::wstring, std::pair<double, double>> boundaries) {
+  responses_boundaries_ = std::move(boundaries);
+}
+
+void ZORData::SetResponsesZORability(std::map<std::wstring, bool> zorability) {
+  responses_zorability_ = std::move(zorability);
+}
+
+void ZORData::UpdateParameterImportance(const std::map<std::wstring, std::uint64_t>& importance) {
+  Overwrite(parameter_importance_, importance);
+}
+
+void ZORData::UpdateResponsesUsage(const std::map<std::wstring, bool>& usage) { Overwrite(responses_usage_, usage); }
+
+void ZORData::Adapt(CDesignEntrySequence parameters, CDesignEntrySequence responses) {
+  SetParameters(std::move(parameters));
+  SetResponses(std::move(responses));
+  ForgetOthers(parameter_importance_, parameters_);
+  ForgetOthers(responses_boundaries_, responses_);
+  ForgetOthers(responses_usage_, responses_);
+  ForgetOthers(responses_zorability_, responses_);
+}
+
 bool ZORData::Check(utils::log::LogBase& log) const {
   Checker check(log);
   for (const auto& [name, importance] : parameter_importance_) {
-    if (!Contains(parameters_, name)) {
+    if (!parameters_.Contains(name)) {
       log.Warning() << L"Parameter in importancy list does not exist in manager.";
     }
     check.Require(importance <= kMandatory, L"Parameter importancy must be mandatory, selectable or important.");
   }
   bool any_used = false;
   for (const auto& [name, used] : responses_usage_) {
-    if (!Contains(responses_, name)) log.Warning() << L"Response in usage list does not exist in responses.";
+    if (!responses_.Contains(name)) log.Warning() << L"Response in usage list does not exist in responses.";
     any_used = any_used || used;
   }
   check.Require(any_used, L"No response is chosen.");
@@ -93,6 +145,10 @@ ZORCombinedSettings::ZORCombinedSettings(eSettingsType type, ZORData data, bool 
       show_pp_(show_pp),
       automatic_settings_(std::move(automatic)),
       advanced_settings_(std::move(advanced)) {}
+
+eSettingsType ZORCombinedSettings::GetSettingsTypeUsed() const {
+  return settings_type_ == eSettingsType::kAutomatic ? settings_type_ : eSettingsType::kAdvanced;
+}
 
 std::uint64_t ZORCombinedSettings::NumResponsesParallel() const {
   switch (settings_type_) {
@@ -108,6 +164,10 @@ bool ZORCombinedSettings::WriteCVValues() const {
 
 std::wstring ZORCombinedSettings::CVValuesSuffix() const {
   return settings_type_ == eSettingsType::kAdvanced ? advanced_settings_.cv_values_suffix_ : std::wstring();
+}
+
+bool ZORCombinedSettings::AnySurrogateZORModelUsed() const {
+  return ExtractAdvancedSettingsByType().AnyCustomModelUsed();
 }
 
 ZORAdvancedSettings ZORCombinedSettings::ExtractAdvancedSettingsByType() const {
@@ -129,4 +189,41 @@ bool ZORCombinedSettings::Check(utils::log::LogBase& log, bool with_data) const 
   return !with_data || data_.Check(log);
 }
 
+template <class Archive>
+void ZORAutomaticSettings::serialize(Archive& archive, unsigned int version) {
+  persistence::SerializeFields(archive, *this, version);
+}
+
+template <class Archive>
+void ZORAdvancedSettings::serialize(Archive& archive, unsigned int version) {
+  persistence::SerializeFields(archive, *this, version);
+  if constexpr (Archive::is_loading::value) custom_surrogates_.remove(nullptr);
+}
+
+template <class Archive>
+void ZORClassicSettings::serialize(Archive& archive, unsigned int version) {
+  persistence::SerializeFields(archive, *this, version);
+}
+
+template <class Archive>
+void ZORData::serialize(Archive& archive, unsigned int version) {
+  persistence::SerializeFields(archive, *this, version);
+}
+
+template <class Archive>
+void ZORCombinedSettings::serialize(Archive& archive, unsigned int version) {
+  persistence::SerializeFields(archive, *this, version);
+}
+
 }  // namespace kestrel::zor
+
+KESTREL_INSTANTIATE_SERIALIZE(kestrel::zor::ZORAutomaticSettings)
+KESTREL_INSTANTIATE_SERIALIZE(kestrel::zor::ZORAdvancedSettings)
+KESTREL_INSTANTIATE_SERIALIZE(kestrel::zor::ZORClassicSettings)
+KESTREL_INSTANTIATE_SERIALIZE(kestrel::zor::ZORData)
+KESTREL_INSTANTIATE_SERIALIZE(kestrel::zor::ZORCombinedSettings)
+BOOST_CLASS_EXPORT_IMPLEMENT(kestrel::zor::ZORAutomaticSettings)
+BOOST_CLASS_EXPORT_IMPLEMENT(kestrel::zor::ZORAdvancedSettings)
+BOOST_CLASS_EXPORT_IMPLEMENT(kestrel::zor::ZORClassicSettings)
+BOOST_CLASS_EXPORT_IMPLEMENT(kestrel::zor::ZORData)
+BOOST_CLASS_EXPORT_IMPLEMENT(kestrel::zor::ZORCombinedSettings)

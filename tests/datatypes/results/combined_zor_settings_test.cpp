@@ -1,11 +1,11 @@
-#include "build/combined_zor_settings_helper.h"
+#include "datatypes/results/combined_zor_settings.h"
 
 #include <gtest/gtest.h>
 
 #include <functional>
 #include <limits>
 
-#include "build/log_lines.h"
+#include "support/log_lines.h"
 
 namespace kestrel::zor {
 namespace {
@@ -16,8 +16,8 @@ constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
 
 ZORData MakeData() {
   ZORData data;
-  data.parameters_ = {L"a", L"b"};
-  data.responses_ = {L"r", L"s"};
+  data.SetParameters(std::vector<std::wstring>{L"a", L"b"});
+  data.SetResponses(std::vector<std::wstring>{L"r", L"s"});
   data.responses_usage_ = {{L"r", true}, {L"s", false}};
   return data;
 }

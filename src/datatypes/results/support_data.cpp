@@ -1,0 +1,116 @@
+#include "datatypes/results/support_data.h"
+
+#include <cstring>
+#include <limits>
+
+#include "datatypes/design_matrices.h"
+#include "support/exceptions.h"
+
+namespace kestrel::algorithm::datatypes {
+namespace {
+
+using math::Index;
+using math::Matrix;
+using math::Vector;
+
+bool SameBits(double a, double b) { return std::memcmp(&a, &b, sizeof(double)) == 0; }
+
+bool SameRow(const Matrix& a, Index row_a, const Matrix& b, Index row_b) {
+  for (Index column = 0; column < a.cols(); ++column) {
+    if (!SameBits(a(row_a, column), b(row_b, column))) return false;
+  }
+  return true;
+}
+
+/// Real part of element `index`, row by row; NaN for what has no such element.
+double ElementOf(const CDesignEntry& entry, std::uint64_t index) {
+  constexpr double kNone = std::numeric_limits<double>::quiet_NaN();
+  if (entry.GetDomainType() != enums::DesignEntry::VARIANT) return kNone;
+  const math::Variant<double>& variant = entry.GetVariant();
+  switch (variant.GetKind()) {
+    case math::Variant<double>::VECTOR: return index < variant.size() ? variant.at(index).real() : kNone;
+    case math::Variant<double>::MATRIX:
+    case math::Variant<double>::SIGNAL:
+    case math::Variant<double>::XYDATA:
+      return index < variant.size() ? variant.at(index / variant.size2(), index % variant.size2()).real() : kNone;
+    default: return kNone;
+  }
+}
+
+/// One element of a response that the designs hold whole.
+Vector ElementsOf(const DesignManager& designs, const std::wstring& response, std::uint64_t index) {
+  Vector values(static_cast<Index>(designs.size()));
+  Index row = 0;
+  for (const Design& design : designs) {
+    const auto* const entry = design.GetResponses().GetData(response, std::nothrow);
+    values(row++) = entry != nullptr ? ElementOf(*entry, index) : std::numeric_limits<double>::quiet_NaN();
+  }
+  return values;
+}
+
+std::vector<std::wstring> VaryingParameters(const ParameterManager& parameters) {
+  std::vector<std::wstring> names;
+  for (const Parameter& parameter : parameters.GetParameters()) {
+    if (!parameter.IsConst()) names.push_back(parameter.GetName());
+  }
+  return names;
+}
+
+}  // namespace
+
+const Matrix& SupportData::Points(const SurrogateInfo& info) {
+  std::vector<std::wstring> names = info.GetParameterNames();
+  if (names.empty()) names = VaryingParameters(parameters_);
+  if (names_ != names) {
+    points_ = ConvertParametersToMatrix(designs_, names);
+    names_ = std::move(names);
+  }
+  return points_;
+}
+
+Vector SupportData::Values(const SurrogateInfo& info) const {
+  if (!info.IsResponseScalar() && !designs_.empty() && designs_[0].GetResponses().Contains(info.GetResponseName())) {
+    return ElementsOf(designs_, info.GetResponseName(), info.GetResponseIndex());
+  }
+  return ConvertScalarResponsesToMatrix(designs_, {info.GetResponseComponentName()});
+}
+
+std::vector<CHierachicalId> SupportData::FindDesigns(const SurrogateInfo& info) {
+  const Matrix& sample = info.GetSurrogate()->GetSupportPoints();
+  const Vector& sample_values = info.GetSurrogate()->GetResponseValues();
+  const Matrix& points = Points(info);
+  if (points.cols() != sample.cols() || sample_values.size() != sample.rows()) return {};
+  const Vector values = Values(info);
+
+  // The rows of a sample are designs in their order, some of them left out, so the first design that fits is the one.
+  std::vector<CHierachicalId> ids;
+  Index next = 0;
+  for (Index row = 0; row < points.rows() && next < sample.rows(); ++row) {
+    if (!SameBits(values(row), sample_values(next)) || !SameRow(points, row, sample, next)) continue;
+    ids.push_back(designs_[static_cast<std::size_t>(row)].GetId());
+    ++next;
+  }
+  if (next < sample.rows()) ids.clear();
+  return ids;
+}
+
+void SupportData::Restore(const SurrogateInfo& info) {
+  const std::vector<CHierachicalId>& ids = info.GetUsedHIds();
+  const Matrix& points = Points(info);
+  const Vector values = Values(info);
+  Matrix sample(static_cast<Index>(ids.size()), points.cols());
+  Vector sample_values(sample.rows());
+  for (Index row = 0; row < sample.rows(); ++row) {
+    const Design& design = designs_.GetDesign(ids[static_cast<std::size_t>(row)]);
+    const Index position = &design - designs_.GetDesigns().data();
+    sample.row(row) = points.row(position);
+    sample_values(row) = values(position);
+  }
+  if (static_cast<std::uint64_t>(sample.cols()) != info.GetSurrogate()->GetVariableSelection().size()) {
+    throw utils::runtime_error(L"Designs do not fit the metamodel of response \"" + info.GetResponseComponentName() +
+                               L"\".");
+  }
+  info.GetSurrogate()->RestoreSupportsAfterSerialize(sample, sample_values);
+}
+
+}  // namespace kestrel::algorithm::datatypes
