@@ -23,6 +23,7 @@ class SharedName {
   friend bool operator==(const SharedName& a, const SharedName& b) { return a.text_ == b.text_; }
   friend bool operator!=(const SharedName& a, const SharedName& b) { return a.text_ != b.text_; }
   friend bool operator==(const SharedName& a, const std::wstring& b) { return a.str() == b; }
+  friend bool operator==(const SharedName& a, const wchar_t* b) { return a.str() == b; }
   friend bool operator!=(const SharedName& a, const std::wstring& b) { return a.str() != b; }
   friend std::wostream& operator<<(std::wostream& stream, const SharedName& name) { return stream << name.str(); }
 
