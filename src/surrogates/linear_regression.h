@@ -61,9 +61,11 @@ class LinearRegression final : public SurrogateBase {
   /// The fields of class version 0: the basis at the support points and, instead of the settings, what they hold.
   template <class Archive>
   void LoadVersion0(Archive& archive);
+  void RestoreSettings(LinearRegressionSettings settings);
   void RestoreDerivedData() override;
 
   bool HasEnoughPoints() const;
+  void WriteTransformationParameters();
   void DropBasis();
   /// Makes `coefficient_matrix_` unless it stands for the coordinates and terms in force.
   void PrepareBasis();

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "persistence/archive/archives.h"
 #include "persistence/archive/require_stored.h"
 #include "support/error_report.h"
 
@@ -153,4 +154,17 @@ void LinearRegressionSettings::RequireInput(std::uint64_t input) const {
   if (input >= ninputs_) error::Report(L"deselection input number can only between 0 and num_inputs - 1");
 }
 
+template <class Archive>
+void LinearRegressionSettings::serialize(Archive& archive, const unsigned int /*version*/) {
+  using boost::serialization::make_nvp;
+  archive& make_nvp("SurrogateSettingsBase", boost::serialization::base_object<SurrogateSettingsBase>(*this));
+  archive& make_nvp("order_", order_);
+  archive& make_nvp("main_term_selection_", main_term_selection_);
+  archive& make_nvp("interaction_selection_", interaction_selection_);
+  if constexpr (Archive::is_loading::value) RequireConsistent();
+}
+
 }  // namespace kestrel::math::metamodel
+
+KESTREL_INSTANTIATE_SERIALIZE(kestrel::math::metamodel::LinearRegressionSettings)
+BOOST_CLASS_EXPORT_IMPLEMENT(kestrel::math::metamodel::LinearRegressionSettings)

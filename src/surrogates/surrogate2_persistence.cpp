@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <type_traits>
 
+#include "persistence/archive/archives.h"
 #include "persistence/archive/require_stored.h"
 #include "surrogates/surrogate2_base.h"
 
@@ -46,11 +47,14 @@ void SurrogateBase::RequireFit(Index num_points, Index num_inputs) const {
   RequireStored(selection.empty() || selection.size() == static_cast<std::uint64_t>(num_inputs),
                 L"Stored surrogate: variable selection does not match the number of inputs.");
 
-  const bool scales_inputs = !trans_coord_ || num_inputs == 0 || trans_coord_->AcceptsColumns(num_inputs);
-  const bool scales_values = (!trans_value_ || trans_value_->AcceptsColumns(1)) &&  //
-                             (!trans_limit_ || trans_limit_->AcceptsColumns(1));
-  RequireStored(scales_inputs && scales_values && (need_build_ || !AnyTransformNeedsBuild()),
+  const auto fits = [](const auto& transformation, Index columns) {
+    return !transformation || transformation->AcceptsColumns(columns);
+  };
+  // Settings without a number of inputs leave nothing to compare with; such a model takes points without columns.
+  const bool scales_inputs = num_inputs == 0 || fits(trans_coord_, num_inputs);
+  RequireStored(scales_inputs && fits(trans_value_, 1) && fits(trans_limit_, 1),
                 L"Stored surrogate: transformations do not match the samples.");
+  RequireStored(need_build_ || !AnyTransformNeedsBuild(), L"Stored surrogate: a transformation is not built.");
 
   const bool reduced_absent = points_trans_reduced_.rows() == 0;  // as in old files
   const bool reduced_fits = points_trans_reduced_.rows() == num_points &&
@@ -70,4 +74,32 @@ void SurrogateBase::RestoreFromSample() {
   RestoreDerivedData();
 }
 
+template <class Archive>
+void SurrogateBase::serialize(Archive& archive, const unsigned int version) {
+  // A field that the file's class version does not have is as in a new surrogate.
+  const auto field = [&](const char* name, auto& value, unsigned since) {
+    if (version >= since) {
+      archive& boost::serialization::make_nvp(name, value);
+    } else {
+      value = std::decay_t<decltype(value)>();
+    }
+  };
+  field("points_", points_, 0);
+  field("values_", values_, 0);
+  field("points_trans_reduced_", points_trans_reduced_, 2);
+  field("residuals_", residuals_, 2);
+  field("subsets_", subsets_, 3);
+  field("need_build_", need_build_, 0);
+  field("trans_coord_", trans_coord_, 0);
+  field("trans_value_", trans_value_, 0);
+  field("weights_", weights_, 1);
+  field("trans_limit_", trans_limit_, 4);
+  field("single_cops_", single_cops_, 5);
+  field("points_radii_mean_", points_radii_mean_, 6);
+  if (version < 6 && residuals_.size() > 0) points_radii_mean_ = CalcMeanRadius();
+}
+
 }  // namespace kestrel::math::metamodel
+
+KESTREL_INSTANTIATE_SERIALIZE(kestrel::math::metamodel::SurrogateBase)
+BOOST_CLASS_EXPORT_IMPLEMENT(kestrel::math::metamodel::SurrogateBase)

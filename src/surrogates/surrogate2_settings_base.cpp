@@ -3,6 +3,8 @@
 #include <cmath>
 #include <stdexcept>
 
+#include "persistence/archive/archives.h"
+#include "persistence/archive/require_stored.h"
 #include "statistics/transform/transform_boxcox.h"
 #include "statistics/transform/transform_limits.h"
 #include "statistics/transform/transform_minmax.h"
@@ -53,8 +55,36 @@ bool SurrogateSettingsBase::operator==(const SurrogateSettingsBase& other) const
          state_ == other.state_ && input_names_ == other.input_names_;
 }
 
+void SurrogateSettingsBase::RequireEnumerators() const {
+  for (const eTransformation type : {coord_transform_, value_transform_, limit_transform_}) {
+    persistence::RequireEnumerator(type, eTransformation::kLimits, L"Stored settings: unknown transformation type.");
+  }
+  persistence::RequireEnumerator(state_, eState::kOptimal, L"Stored settings: unknown state.");
+}
+
 bool SurrogateSettingsBase::HasBoxCoxExponent() const {
   return !value_transform_parameter_.empty() && std::abs(1.0 - value_transform_parameter_[0]) > 1e-10;
 }
 
+template <class Archive>
+void SurrogateSettingsBase::serialize(Archive& archive, const unsigned int version) {
+  using boost::serialization::make_nvp;
+  archive& make_nvp("ninputs_", ninputs_);
+  archive& make_nvp("coord_transform_", coord_transform_);
+  archive& make_nvp("coord_transform_parameter_", coord_transform_parameter_);
+  archive& make_nvp("value_transform_", value_transform_);
+  archive& make_nvp("value_transform_parameter_", value_transform_parameter_);
+  archive& make_nvp("handle_failed_", handle_failed_);
+  archive& make_nvp("state_", state_);
+  if (version >= 1) {
+    archive& make_nvp("limit_transform_", limit_transform_);
+    archive& make_nvp("limit_transform_parameter_", limit_transform_parameter_);
+  }
+  if (version >= 2) archive& make_nvp("input_names_", input_names_);
+  if constexpr (Archive::is_loading::value) RequireEnumerators();
+}
+
 }  // namespace kestrel::math::metamodel
+
+KESTREL_INSTANTIATE_SERIALIZE(kestrel::math::metamodel::SurrogateSettingsBase)
+BOOST_CLASS_EXPORT_IMPLEMENT(kestrel::math::metamodel::SurrogateSettingsBase)

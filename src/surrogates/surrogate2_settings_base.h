@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "persistence/archive/persistent.h"
 #include "statistics/transform/transform_base.h"
 #include "support/log.h"
 
@@ -96,6 +97,7 @@ class SurrogateSettingsBase {
   friend class boost::serialization::access;
   template <class Archive>
   void serialize(Archive& archive, unsigned int version);
+  void RequireEnumerators() const;
 };
 
 }  // namespace kestrel::math::metamodel

@@ -2,6 +2,7 @@
 
 #include <cmath>
 
+#include "persistence/archive/archives.h"
 #include "support/exceptions.h"
 #include "support/matrix_equality.h"
 
@@ -41,4 +42,16 @@ bool AppraisalData::operator==(const AppraisalData& other) const {
          SameEntries(single_cop_, other.single_cop_) && SameEntries(first_order_indices_, other.first_order_indices_);
 }
 
+template <class Archive>
+void AppraisalData::serialize(Archive& archive, const unsigned int version) {
+  using boost::serialization::make_nvp;
+  archive& make_nvp("cop_", cop_);
+  archive& make_nvp("cod_", cod_);
+  archive& make_nvp("codadj_", codadj_);
+  archive& make_nvp("single_cop_", single_cop_);
+  if (version >= 1) archive& make_nvp("first_order_indices_", first_order_indices_);
+}
+
 }  // namespace kestrel::math::metamodel
+
+KESTREL_INSTANTIATE_SERIALIZE(kestrel::math::metamodel::AppraisalData)

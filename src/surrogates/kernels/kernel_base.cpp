@@ -2,6 +2,7 @@
 
 #include <stdexcept>
 
+#include "persistence/archive/archives.h"
 #include "surrogates/kernels/kernel_constant_influence.h"
 #include "surrogates/kernels/kernel_nodal_influence.h"
 
@@ -45,4 +46,13 @@ std::unique_ptr<KernelBase> CreateKernel(Kernel::eType type, const VectorIn& par
   throw std::logic_error("Unknown kernel type.");
 }
 
+template <class Archive>
+void KernelBase::serialize(Archive& archive, const unsigned int /*version*/) {
+  using boost::serialization::make_nvp;
+  archive& make_nvp("parameters_", parameters_);
+}
+
 }  // namespace kestrel::math::metamodel
+
+KESTREL_INSTANTIATE_SERIALIZE(kestrel::math::metamodel::KernelBase)
+BOOST_CLASS_EXPORT_IMPLEMENT(kestrel::math::metamodel::KernelBase)

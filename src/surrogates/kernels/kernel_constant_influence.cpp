@@ -3,6 +3,9 @@
 #include <algorithm>
 #include <stdexcept>
 
+#include "persistence/archive/archives.h"
+#include "persistence/archive/require_stored.h"
+
 namespace kestrel::math::metamodel {
 namespace {
 
@@ -15,6 +18,12 @@ template <class Concrete>
 std::unique_ptr<KernelBase> CloneOf(const Vector& parameters) {
   if (parameters.size() == 0) return std::make_unique<Concrete>();
   return std::make_unique<Concrete>(parameters);
+}
+
+/// Refuses stored parameters by the checks that new ones pass.
+template <class Concrete>
+void RequireValidParameters(const Vector& parameters) {
+  if (parameters.size() > 0) static_cast<void>(Concrete(parameters));
 }
 
 }  // namespace
@@ -98,4 +107,58 @@ void KernelConstInflIsoReg::SetParameters(const VectorIn& parameters) {
   helper_term_ = 0.9999800002999959;  // (1 + epsilon)^-m
 }
 
+template <class Archive>
+void KernelConstInfl::serialize(Archive& archive, const unsigned int /*version*/) {
+  using boost::serialization::make_nvp;
+  archive& make_nvp("KernelBase", boost::serialization::base_object<KernelBase>(*this));
+}
+
+template <class Archive>
+void KernelConstInflExp::serialize(Archive& archive, const unsigned int /*version*/) {
+  using boost::serialization::make_nvp;
+  archive& make_nvp("KernelConstInfl", boost::serialization::base_object<KernelConstInfl>(*this));
+  archive& make_nvp("helper_term_", helper_term_);
+  if constexpr (Archive::is_loading::value) {
+    RequireValidParameters<KernelConstInflExp>(parameters_);
+    persistence::RequireStored(helper_term_.size() == parameters_.size(),
+                               L"Stored kernel: terms and radii do not match.");
+  }
+}
+
+template <class Archive>
+void KernelConstInflIso::serialize(Archive& archive, const unsigned int /*version*/) {
+  using boost::serialization::make_nvp;
+  archive& make_nvp("KernelConstInfl", boost::serialization::base_object<KernelConstInfl>(*this));
+}
+
+template <class Archive>
+void KernelConstInflIsoExp::serialize(Archive& archive, const unsigned int /*version*/) {
+  using boost::serialization::make_nvp;
+  archive& make_nvp("KernelConstInflIso", boost::serialization::base_object<KernelConstInflIso>(*this));
+  archive& make_nvp("helper_term_", helper_term_);
+  if constexpr (Archive::is_loading::value) RequireValidParameters<KernelConstInflIsoExp>(parameters_);
+}
+
+template <class Archive>
+void KernelConstInflIsoReg::serialize(Archive& archive, const unsigned int /*version*/) {
+  using boost::serialization::make_nvp;
+  archive& make_nvp("KernelConstInflIso", boost::serialization::base_object<KernelConstInflIso>(*this));
+  archive& make_nvp("epsilon_", epsilon_);
+  archive& make_nvp("m_", m_);
+  archive& make_nvp("D_squared_", D_squared_);
+  archive& make_nvp("helper_term_", helper_term_);
+  if constexpr (Archive::is_loading::value) RequireValidParameters<KernelConstInflIsoReg>(parameters_);
+}
+
 }  // namespace kestrel::math::metamodel
+
+KESTREL_INSTANTIATE_SERIALIZE(kestrel::math::metamodel::KernelConstInfl)
+BOOST_CLASS_EXPORT_IMPLEMENT(kestrel::math::metamodel::KernelConstInfl)
+KESTREL_INSTANTIATE_SERIALIZE(kestrel::math::metamodel::KernelConstInflExp)
+BOOST_CLASS_EXPORT_IMPLEMENT(kestrel::math::metamodel::KernelConstInflExp)
+KESTREL_INSTANTIATE_SERIALIZE(kestrel::math::metamodel::KernelConstInflIso)
+BOOST_CLASS_EXPORT_IMPLEMENT(kestrel::math::metamodel::KernelConstInflIso)
+KESTREL_INSTANTIATE_SERIALIZE(kestrel::math::metamodel::KernelConstInflIsoExp)
+BOOST_CLASS_EXPORT_IMPLEMENT(kestrel::math::metamodel::KernelConstInflIsoExp)
+KESTREL_INSTANTIATE_SERIALIZE(kestrel::math::metamodel::KernelConstInflIsoReg)
+BOOST_CLASS_EXPORT_IMPLEMENT(kestrel::math::metamodel::KernelConstInflIsoReg)

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <stdexcept>
 
+#include "persistence/archive/archives.h"
+
 namespace kestrel::math::metamodel {
 
 Vector KernelNodalInfl::EvaluatePoint(const VectorIn& point, const MatrixIn& support_points) const {
@@ -16,6 +18,7 @@ Vector KernelNodalInfl::EvaluatePoint(const VectorIn& point, const MatrixIn& sup
 KernelNodalInflExp::KernelNodalInflExp(const VectorIn& parameters) { SetParameters(parameters); }
 
 Vector KernelNodalInflExp::EvaluateDistances(const VectorIn& squared_distances) const {
+  RequireParameters(parameters_);
   if (squared_distances.size() == 0) return Vector();
   const auto count = static_cast<double>(squared_distances.size());
   const auto k = static_cast<Index>(std::min(count, std::floor(parameters_[0])));
@@ -36,4 +39,25 @@ void KernelNodalInflExp::SetParameters(const VectorIn& parameters) {
   helper_term_ = -6.907755278982138;  // ln(0.001)
 }
 
+template <class Archive>
+void KernelNodalInfl::serialize(Archive& archive, const unsigned int /*version*/) {
+  using boost::serialization::make_nvp;
+  archive& make_nvp("KernelBase", boost::serialization::base_object<KernelBase>(*this));
+}
+
+template <class Archive>
+void KernelNodalInflExp::serialize(Archive& archive, const unsigned int /*version*/) {
+  using boost::serialization::make_nvp;
+  archive& make_nvp("KernelNodalInfl", boost::serialization::base_object<KernelNodalInfl>(*this));
+  archive& make_nvp("helper_term_", helper_term_);
+  if constexpr (Archive::is_loading::value) {
+    if (parameters_.size() > 0) static_cast<void>(KernelNodalInflExp(parameters_));  // by the checks of new parameters
+  }
+}
+
 }  // namespace kestrel::math::metamodel
+
+KESTREL_INSTANTIATE_SERIALIZE(kestrel::math::metamodel::KernelNodalInfl)
+BOOST_CLASS_EXPORT_IMPLEMENT(kestrel::math::metamodel::KernelNodalInfl)
+KESTREL_INSTANTIATE_SERIALIZE(kestrel::math::metamodel::KernelNodalInflExp)
+BOOST_CLASS_EXPORT_IMPLEMENT(kestrel::math::metamodel::KernelNodalInflExp)

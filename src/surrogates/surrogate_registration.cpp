@@ -1,0 +1,19 @@
+#include "surrogates/surrogate_registration.h"
+
+#include "surrogates/kernels/kernel_constant_influence.h"
+#include "surrogates/kernels/kernel_nodal_influence.h"
+#include "surrogates/linear_regression.h"
+
+namespace kestrel::math::metamodel {
+
+void surrogate_classes_registration_policy() { surrogate_classes_registration_base_policy(); }
+
+void surrogate_classes_registration_base_policy() {
+  static_cast<void>(KernelConstInflExp());
+  static_cast<void>(KernelConstInflIsoExp());
+  static_cast<void>(KernelConstInflIsoReg());
+  static_cast<void>(KernelNodalInflExp());
+  static_cast<void>(LinearRegression(Matrix(), Vector()));
+}
+
+}  // namespace kestrel::math::metamodel
