@@ -4,6 +4,7 @@
 
 #include <array>
 #include <cstdint>
+#include <cstring>
 #include <string>
 
 namespace kestrel::portable_binary_archive_impl {
@@ -20,7 +21,7 @@ class NameChecksums {
 
   Slot& operator[](const char* name) {
     Slot& slot = slots_[reinterpret_cast<std::uintptr_t>(name) / 4 % slots_.size()];
-    if (slot.name != name) {
+    if (std::strcmp(slot.name.c_str(), name) != 0) {
       slot.name = name;
       slot.checksum = Crc16(slot.name.data(), slot.name.size(), 0);
       slot.used = false;

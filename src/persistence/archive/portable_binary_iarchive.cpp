@@ -88,7 +88,8 @@ std::size_t portable_binary_iarchive::LoadCount(std::size_t least_bytes) {
   return count;
 }
 
-// The largest share of a legitimate file have records of empty texts and containers, at about 20 bytes for one.
+// The records of legitimate files that take the most memory for their bytes are made of empty texts and containers:
+// about 20 bytes in memory for each in the file.
 void portable_binary_iarchive::ChargeMemory(std::size_t bytes) {
   constexpr std::size_t kFreeOfCharge = std::size_t{1} << 24;
   constexpr std::size_t kMemoryPerByte = 64;

@@ -119,9 +119,9 @@ class portable_binary_iarchive
   Pointee LoadPointee() {
     using Loader = boost::archive::detail::load_pointer_type<portable_binary_iarchive>;
     using DeclaredType = typename boost::serialization::type_info_implementation<T>::type;
-    ChargeMemory(sizeof(T));
     const Tables::PointerSerializer* const declared = Loader::register_type(*this, static_cast<T*>(nullptr));
-    return LoadPointee(declared, boost::serialization::singleton<DeclaredType>::get_const_instance(), Loader::find);
+    return LoadPointee(declared, boost::serialization::singleton<DeclaredType>::get_const_instance(), sizeof(T),
+                       Loader::find);
   }
 
   Tables& LoadedObjects() { return tables_; }
@@ -191,7 +191,8 @@ class portable_binary_iarchive
 
   void LoadData(void* object, const Tables::Serializer& serializer, unsigned version);
   void LoadPreamble(std::size_t class_id);
-  Pointee LoadPointee(const Tables::PointerSerializer* declared, const TypeInfo& declared_type, PointerFinder find);
+  Pointee LoadPointee(const Tables::PointerSerializer* declared, const TypeInfo& declared_type, std::size_t size,
+                      PointerFinder find);
   void LoadNewClass(std::size_t class_id, const Tables::PointerSerializer* declared, PointerFinder find);
   void* CreatePointee(const Tables::PointerSerializer& serializer, std::size_t class_id, const TypeInfo& declared_type);
   std::size_t LoadObjectId(std::size_t class_id);

@@ -109,7 +109,7 @@ std::size_t portable_binary_iarchive::LoadObjectId(std::size_t class_id) {
 }
 
 portable_binary_iarchive::Pointee portable_binary_iarchive::LoadPointee(const Tables::PointerSerializer* declared,
-                                                                        const TypeInfo& declared_type,
+                                                                        const TypeInfo& declared_type, std::size_t size,
                                                                         PointerFinder find) {
   constexpr int kNullPointer = -1;
   boost::archive::class_id_type stored;
@@ -129,6 +129,7 @@ portable_binary_iarchive::Pointee portable_binary_iarchive::LoadPointee(const Ta
   if (result.tracked) result.object_id = LoadObjectId(class_id);
   result.created = !result.tracked || result.object_id == tables_.ObjectCount();
   if (result.created) {
+    ChargeMemory(size);
     result.address = CreatePointee(*serializer, class_id, declared_type);
   } else {
     void* const object = tables_.ObjectAt(result.object_id).address;

@@ -26,6 +26,15 @@ void* operator new(std::size_t size) {
   return memory;
 }
 
+// Without this one a sanitizer's own would meet our delete.
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+  try {
+    return operator new(size);
+  } catch (const std::bad_alloc&) {
+    return nullptr;
+  }
+}
+
 void operator delete(void* memory) noexcept {
   live_bytes -= malloc_usable_size(memory);
   std::free(memory);
