@@ -79,8 +79,15 @@ void SurrogateSettingsBase::serialize(Archive& archive, const unsigned int versi
   if (version >= 1) {
     archive& make_nvp("limit_transform_", limit_transform_);
     archive& make_nvp("limit_transform_parameter_", limit_transform_parameter_);
+  } else {
+    limit_transform_ = eTransformation::kNone;
+    limit_transform_parameter_.clear();
   }
-  if (version >= 2) archive& make_nvp("input_names_", input_names_);
+  if (version >= 2) {
+    archive& make_nvp("input_names_", input_names_);
+  } else {
+    input_names_.clear();
+  }
   if constexpr (Archive::is_loading::value) RequireEnumerators();
 }
 

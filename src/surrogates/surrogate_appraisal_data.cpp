@@ -49,7 +49,11 @@ void AppraisalData::serialize(Archive& archive, const unsigned int version) {
   archive& make_nvp("cod_", cod_);
   archive& make_nvp("codadj_", codadj_);
   archive& make_nvp("single_cop_", single_cop_);
-  if (version >= 1) archive& make_nvp("first_order_indices_", first_order_indices_);
+  if (version >= 1) {
+    archive& make_nvp("first_order_indices_", first_order_indices_);
+  } else {
+    first_order_indices_.resize(0);
+  }
 }
 
 }  // namespace kestrel::math::metamodel

@@ -1,0 +1,404 @@
+#include <gtest/gtest.h>
+
+#include <functional>
+
+#include "support/exceptions.h"
+#include "support/matrix_compare.h"
+#include "support/stored.h"
+#include "surrogates/kernels/kernel_constant_influence.h"
+#include "surrogates/kernels/kernel_nodal_influence.h"
+#include "surrogates/linear_regression.h"
+#include "surrogates/sample_data.h"
+#include "surrogates/surrogate_appraisal_data.h"
+#include "surrogates/surrogate_registration.h"
+
+namespace kestrel::math::metamodel {
+
+/// The stored layout of settings and regressions, open to any content, in any class version.
+template <unsigned kVersion>
+struct StoredSettingsBase {
+  std::uint64_t ninputs_ = 2;
+  eTransformation coord_transform_ = eTransformation::kMinMax, value_transform_ = eTransformation::kNone;
+  eTransformation limit_transform_ = eTransformation::kNone;
+  std::vector<double> coord_transform_parameter_, value_transform_parameter_, limit_transform_parameter_;
+  std::int32_t handle_failed_ = 0;
+  eState state_ = eState::kGiven;
+  std::vector<std::wstring> input_names_;
+  template <class Archive>
+  void serialize(Archive& archive, unsigned version) {
+    archive& BOOST_SERIALIZATION_NVP(ninputs_) & BOOST_SERIALIZATION_NVP(coord_transform_);
+    archive& BOOST_SERIALIZATION_NVP(coord_transform_parameter_) & BOOST_SERIALIZATION_NVP(value_transform_);
+    archive& BOOST_SERIALIZATION_NVP(value_transform_parameter_) & BOOST_SERIALIZATION_NVP(handle_failed_);
+    archive& BOOST_SERIALIZATION_NVP(state_);
+    if (version < 1) return;
+    archive& BOOST_SERIALIZATION_NVP(limit_transform_) & BOOST_SERIALIZATION_NVP(limit_transform_parameter_);
+    if (version >= 2) archive& BOOST_SERIALIZATION_NVP(input_names_);
+  }
+};
+
+template <unsigned kVersion>
+struct StoredSettings {
+  StoredSettingsBase<kVersion> base;
+  std::uint64_t order_ = 1;
+  Selection main_term_selection_ = Selection(2, 3), interaction_selection_;
+  template <class Archive>
+  void serialize(Archive& archive, unsigned) {
+    archive& boost::serialization::make_nvp("SurrogateSettingsBase", base) & BOOST_SERIALIZATION_NVP(order_);
+    archive& BOOST_SERIALIZATION_NVP(main_term_selection_) & BOOST_SERIALIZATION_NVP(interaction_selection_);
+  }
+};
+
+template <unsigned kVersion>
+struct StoredBase {
+  Matrix points_, points_trans_reduced_, single_cops_;
+  Vector values_, residuals_, weights_;
+  Subsets subsets_;
+  bool need_build_ = false;
+  std::shared_ptr<transform::Transform> trans_coord_, trans_value_, trans_limit_;
+  double points_radii_mean_ = 0.0;
+  template <class Archive>
+  void serialize(Archive& archive, unsigned version) {
+    archive& BOOST_SERIALIZATION_NVP(points_) & BOOST_SERIALIZATION_NVP(values_);
+    if (version >= 2) archive& BOOST_SERIALIZATION_NVP(points_trans_reduced_) & BOOST_SERIALIZATION_NVP(residuals_);
+    if (version >= 3) archive& BOOST_SERIALIZATION_NVP(subsets_);
+    archive& BOOST_SERIALIZATION_NVP(need_build_) & BOOST_SERIALIZATION_NVP(trans_coord_);
+    archive& BOOST_SERIALIZATION_NVP(trans_value_);
+    if (version >= 1) archive& BOOST_SERIALIZATION_NVP(weights_);
+    if (version >= 4) archive& BOOST_SERIALIZATION_NVP(trans_limit_);
+    if (version >= 5) archive& BOOST_SERIALIZATION_NVP(single_cops_);
+    if (version >= 6) archive& BOOST_SERIALIZATION_NVP(points_radii_mean_);
+  }
+};
+
+template <unsigned kVersion>
+struct StoredRegression {
+  StoredBase<kVersion == 0 ? 0 : 6> base;
+  Vector coefficients_;
+  Matrix coefficient_matrix_;
+  StoredSettings<2> settings_;
+  template <class Archive>
+  void serialize(Archive& archive, unsigned version) {
+    archive& boost::serialization::make_nvp("SurrogateBase", base) & BOOST_SERIALIZATION_NVP(coefficients_);
+    if (version >= 1) {
+      archive& BOOST_SERIALIZATION_NVP(settings_);
+    } else {
+      archive& BOOST_SERIALIZATION_NVP(coefficient_matrix_);
+      archive& boost::serialization::make_nvp("order_", settings_.order_);
+      archive& boost::serialization::make_nvp("main_term_selection_", settings_.main_term_selection_);
+      archive& boost::serialization::make_nvp("interaction_selection_", settings_.interaction_selection_);
+      archive& boost::serialization::make_nvp("weights_", base.weights_);
+    }
+  }
+};
+
+struct StoredKernel {
+  struct Base {
+    Vector parameters_;
+    template <class Archive>
+    void serialize(Archive& archive, unsigned) {
+      archive& BOOST_SERIALIZATION_NVP(parameters_);
+    }
+  };
+  struct Middle {
+    Base base;
+    template <class Archive>
+    void serialize(Archive& archive, unsigned) {
+      archive& boost::serialization::make_nvp("KernelBase", base);
+    }
+  };
+  Middle base;
+  Vector helper_term_ = -Vector::Ones(2);
+  template <class Archive>
+  void serialize(Archive& archive, unsigned) {
+    archive& boost::serialization::make_nvp("KernelConstInfl", base) & BOOST_SERIALIZATION_NVP(helper_term_);
+  }
+};
+
+}  // namespace kestrel::math::metamodel
+
+namespace boost::serialization {
+
+template <unsigned kVersion>
+struct version<kestrel::math::metamodel::StoredSettingsBase<kVersion>> : mpl::int_<kVersion> {};
+template <unsigned kVersion>
+struct version<kestrel::math::metamodel::StoredBase<kVersion>> : mpl::int_<kVersion> {};
+template <unsigned kVersion>
+struct version<kestrel::math::metamodel::StoredRegression<kVersion>> : mpl::int_<kVersion> {};
+
+}  // namespace boost::serialization
+
+namespace kestrel::math::metamodel {
+namespace {
+
+using testing::FirstNameOutOfOrder;
+using testing::Load;
+using testing::MatrixNear;
+using testing::Noise;
+using testing::RandomPoints;
+using testing::RoundTrip;
+using testing::Store;
+
+const Matrix kPoints = RandomPoints(40, 2, 1);
+const Vector kValues = (kPoints.col(0).array().exp() + kPoints.col(1).array()).matrix() + Noise(40, 0.1, 2);
+const Matrix kQuery = RandomPoints(5, 2, 3);
+
+Subsets Fifths() {
+  Subsets subsets;
+  for (std::uint64_t i = 0; i < 40; ++i) subsets.push_back(i % 5);
+  return subsets;
+}
+
+/// A regression of order 2 with the Box-Cox search, limits, weights and error estimates.
+LinearRegression FullRegression() {
+  LinearRegression regression(kPoints, kValues, Vector::LinSpaced(40, 0.5, 1.5));
+  LinearRegressionSettings settings(2);
+  settings.SetOrder(2);
+  settings.SetInputNames({L"width", L"height"});
+  settings.SetValueTransformation(eTransformation::kBoxCox);
+  settings.SetLimitTransformation(eTransformation::kLimits);
+  settings.SetLimitTransformationParameter({-1.0, 5.0});
+  regression.Initialize(settings);
+  EXPECT_TRUE(regression.BuildOptimal({}));
+  EXPECT_TRUE(regression.BuildErrors(Fifths()));
+  regression.SetSingleCoPs(Matrix::Constant(2, 2, 0.25));
+  return regression;
+}
+
+LinearRegression PlainRegression() {
+  LinearRegression regression(kPoints, kValues);
+  EXPECT_TRUE(regression.Build());
+  EXPECT_TRUE(regression.BuildErrors());
+  return regression;
+}
+
+LinearRegression MeanOfUntransformedPoints() {
+  LinearRegression regression(kPoints, kValues);
+  LinearRegressionSettings settings(2);
+  settings.SetVariableSelection(Selection(2));
+  settings.SetCoordTransformation(eTransformation::kNone);
+  regression.Initialize(settings);
+  EXPECT_TRUE(regression.Build());
+  EXPECT_TRUE(regression.BuildErrors());
+  return regression;
+}
+
+void ExpectSameBits(const SurrogateBase& a, const SurrogateBase& b) {
+  EXPECT_TRUE(a == b);
+  EXPECT_TRUE(MatrixNear(a.Approximate(kQuery), b.Approximate(kQuery), 0.0));
+  EXPECT_TRUE(MatrixNear(a.Approximate(), b.Approximate(), 0.0));
+  EXPECT_TRUE(MatrixNear(a.ApproximateGradients(kQuery), b.ApproximateGradients(kQuery), 0.0));
+  EXPECT_TRUE(MatrixNear(a.ApproximateErrors(kQuery), b.ApproximateErrors(kQuery), 0.0));
+  EXPECT_TRUE(MatrixNear(a.ApproximateLeaveOneOut(), b.ApproximateLeaveOneOut(), 0.0));
+  EXPECT_TRUE(MatrixNear(a.ApproximateCrossValidation(Fifths()), b.ApproximateCrossValidation(Fifths()), 0.0));
+  EXPECT_EQ(a.Str(), b.Str());
+  EXPECT_EQ(a.GetFunctionStr({}), b.GetFunctionStr({}));
+}
+
+TEST(StoredRegressions, EvaluateToTheSameBits) {
+  surrogate_classes_registration_policy();
+  for (const auto& make : {FullRegression, PlainRegression, MeanOfUntransformedPoints}) {
+    const LinearRegression regression = make();
+    const auto read = RoundTrip<SurrogateBase>(regression);
+    ExpectSameBits(*read, regression);
+    EXPECT_TRUE(read->BuildOptimal({}));  // it is built already, or finds the same
+    EXPECT_TRUE(MatrixNear(read->Approximate(kQuery), regression.Approximate(kQuery), 0.0));
+  }
+  const LinearRegression unbuilt(kPoints, kValues);
+  const auto read = RoundTrip<SurrogateBase>(unbuilt);
+  EXPECT_TRUE(read->Build());
+  EXPECT_TRUE(MatrixNear(read->Approximate(kQuery), PlainRegression().Approximate(kQuery), 0.0));
+}
+
+TEST(StoredRegressions, KeepTheNamesAndTheirOrder) {
+  EXPECT_EQ(FirstNameOutOfOrder(PlainRegression(), {"SurrogateBase",
+                                                    "points_",
+                                                    "values_",
+                                                    "points_trans_reduced_",
+                                                    "residuals_",
+                                                    "subsets_",
+                                                    "need_build_",
+                                                    "trans_coord_",
+                                                    "trans_value_",
+                                                    "weights_",
+                                                    "trans_limit_",
+                                                    "single_cops_",
+                                                    "points_radii_mean_",
+                                                    "coefficients_",
+                                                    "settings_",
+                                                    "SurrogateSettingsBase",
+                                                    "ninputs_",
+                                                    "coord_transform_",
+                                                    "coord_transform_parameter_",
+                                                    "value_transform_",
+                                                    "value_transform_parameter_",
+                                                    "handle_failed_",
+                                                    "state_",
+                                                    "limit_transform_",
+                                                    "limit_transform_parameter_",
+                                                    "input_names_",
+                                                    "order_",
+                                                    "main_term_selection_",
+                                                    "interaction_selection_"}),
+            "");
+}
+
+TEST(StoredRegressions, WithoutTheirSampleAskForIt) {
+  LinearRegression regression = FullRegression();
+  const auto cleared = regression.Clone();
+  cleared->ClearSupportsForSerialize();
+  const auto read = RoundTrip<SurrogateBase>(*cleared);
+  const std::function<void(SurrogateBase&)> needs_sample[] = {
+      [](auto& s) { s.Approximate(); },
+      [](auto& s) { s.ApproximateLeaveOneOut(); },
+      [](auto& s) { s.ApproximateCrossValidation(); },
+      [](auto& s) { s.ApproximateCrossValidation(Fifths()); },
+      [](auto& s) { s.ApproximateGradients(kQuery); },
+      [](auto& s) { s.ApproximateErrors(kQuery); },
+      [](auto& s) { s.BuildErrors(); },
+      [](auto& s) { s.BuildErrors(Fifths()); },
+  };
+  for (SurrogateBase* surrogate : {cleared.get(), read.get()}) {
+    for (const auto& call : needs_sample) EXPECT_THROW(call(*surrogate), std::logic_error);
+    EXPECT_TRUE(MatrixNear(surrogate->Approximate(kQuery), regression.Approximate(kQuery), 0.0));
+    EXPECT_THROW(surrogate->Approximate(kQuery.leftCols(1)), utils::runtime_error);
+    EXPECT_THROW(surrogate->RestoreSupportsAfterSerialize(kPoints.topRows(39), kValues.head(39)), utils::runtime_error);
+    EXPECT_THROW(surrogate->RestoreSupportsAfterSerialize(kPoints.leftCols(1), kValues), utils::runtime_error);
+    EXPECT_THROW(surrogate->RestoreSupportsAfterSerialize(kPoints, kValues.head(39)), utils::runtime_error);
+    surrogate->RestoreSupportsAfterSerialize(kPoints, kValues);
+    ExpectSameBits(*surrogate, regression);
+  }
+}
+
+/// The plain regression as its file holds it.
+template <unsigned kVersion>
+StoredRegression<kVersion> Record() {
+  StoredRegression<kVersion> record;
+  record.base.points_ = kPoints;
+  record.base.values_ = kValues;
+  record.base.trans_coord_ = CreateTransformation(eTransformation::kMinMax, {});
+  record.base.trans_coord_->Build(kPoints);
+  record.base.points_trans_reduced_ = record.base.trans_coord_->ScaleForward(kPoints);
+  record.coefficients_ = PlainRegression().GetCoefficients();
+  record.settings_.base.coord_transform_parameter_ = {0.0, 1.0};
+  return record;
+}
+
+TEST(StoredRegressions, OfClassVersionZeroGetTheirSettings) {
+  LinearRegression read((Matrix()), Vector());
+  Load(Store(Record<0>()), read);
+  EXPECT_TRUE(read.BuildErrors());
+  const LinearRegression plain = PlainRegression();
+  EXPECT_TRUE(MatrixNear(read.Approximate(kQuery), plain.Approximate(kQuery), 0.0));
+  EXPECT_TRUE(MatrixNear(read.ApproximateErrors(kQuery), plain.ApproximateErrors(kQuery), 0.0));
+  EXPECT_TRUE(MatrixNear(read.ApproximateLeaveOneOut(), plain.ApproximateLeaveOneOut(), 0.0));
+  EXPECT_EQ(read.GetSettingsBase().GetNumInputs(), 2u);
+  EXPECT_EQ(read.GetSettingsBase().GetCoordTransformation(), eTransformation::kMinMax);
+}
+
+TEST(StoredSurrogates, OfOldClassVersionsGetTheDefaultsOfWhatTheyLack) {
+  StoredSettings<0> settings;
+  settings.base.value_transform_ = eTransformation::kBoxCox;
+  LinearRegressionSettings read_settings;
+  read_settings.SetLimitTransformation(eTransformation::kLimits);
+  Load(Store(settings), read_settings);
+  EXPECT_EQ(read_settings.GetValueTransformation(), eTransformation::kBoxCox);
+  EXPECT_EQ(read_settings.GetLimitTransformation(), eTransformation::kNone);
+}
+
+TEST(StoredSurrogates, AreRefusedWhereTheirPartsDoNotMatch) {
+  using Spoil = std::function<void(StoredRegression<1>&)>;
+  const struct {
+    const char* name;
+    Spoil spoil;
+  } cases[] = {
+      {"too few coefficients", [](auto& r) { r.coefficients_ = Vector::Ones(2); }},
+      {"too many coefficients", [](auto& r) { r.coefficients_ = Vector::Ones(4); }},
+      {"values", [](auto& r) { r.base.values_ = Vector::Ones(39); }},
+      {"residuals", [](auto& r) { r.base.residuals_ = Vector::Ones(39); }},
+      {"subsets",
+       [](auto& r) {
+         r.base.subsets_ = {0, 1};
+       }},
+      {"weights", [](auto& r) { r.base.weights_ = Vector::Ones(41); }},
+      {"reduced rows", [](auto& r) { r.base.points_trans_reduced_ = Matrix::Ones(39, 2); }},
+      {"reduced columns", [](auto& r) { r.base.points_trans_reduced_ = Matrix::Ones(40, 1); }},
+      {"columns of the scaling", [](auto& r) { r.base.trans_coord_->Build(RandomPoints(4, 3, 1)); }},
+      {"unbuilt scaling", [](auto& r) { r.base.trans_coord_ = CreateTransformation(eTransformation::kMinMax, {}); }},
+      {"columns of the value scaling",
+       [](auto& r) {
+         r.base.trans_value_ = CreateTransformation(eTransformation::kMinMax, {});
+         r.base.trans_value_->Build(kPoints);
+       }},
+      {"inputs of the settings",
+       [](auto& r) {
+         r.settings_.base.ninputs_ = 3;
+         r.settings_.main_term_selection_ = Selection(3, 3);
+       }},
+      {"main terms", [](auto& r) { r.settings_.main_term_selection_ = Selection(3, 3); }},
+      {"order", [](auto& r) { r.settings_.order_ = 2; }},
+      {"order that overflows",
+       [](auto& r) {
+         r.settings_.order_ = std::uint64_t{1} << 63U;
+         r.settings_.main_term_selection_.clear();
+       }},
+      {"interactions", [](auto& r) { r.settings_.interaction_selection_ = Selection(2, 0); }},
+      {"transformation type", [](auto& r) { r.settings_.base.limit_transform_ = static_cast<eTransformation>(4); }},
+      {"state", [](auto& r) { r.settings_.base.state_ = static_cast<eState>(-1); }},
+      {"no sample and other inputs",
+       [](auto& r) {
+         r.base.points_.resize(0, 0);
+         r.base.values_.resize(0);
+         r.base.trans_coord_->Build(kPoints.leftCols(1));
+       }},
+  };
+  LinearRegression read((Matrix()), Vector());
+  EXPECT_NO_THROW(Load(Store(Record<1>()), read));
+  EXPECT_TRUE(MatrixNear(read.Approximate(kQuery), PlainRegression().Approximate(kQuery), 0.0));
+  for (const auto& c : cases) {
+    auto record = Record<1>();
+    c.spoil(record);
+    EXPECT_THROW(Load(Store(record), read), utils::runtime_error) << c.name;
+  }
+}
+
+TEST(StoredKernels, EvaluateToTheSameBits) {
+  const Vector one = Vector::Constant(1, 1.75);
+  const KernelConstInflExp anisotropic((Vector(2) << 0.5, 2.0).finished());
+  const KernelConstInflIsoExp isotropic(one);
+  const KernelConstInflIsoReg regularized(one);
+  const KernelNodalInflExp nodal(one);
+  for (const KernelBase* kernel :
+       std::initializer_list<const KernelBase*>{&anisotropic, &isotropic, &regularized, &nodal}) {
+    const auto read = RoundTrip<KernelBase>(*kernel);
+    const Vector point = kQuery.row(0).transpose();
+    EXPECT_TRUE(MatrixNear(read->EvaluatePoint(point, kPoints), kernel->EvaluatePoint(point, kPoints), 0.0));
+    EXPECT_TRUE(MatrixNear(read->GetParameters(), kernel->GetParameters(), 0.0));
+  }
+  EXPECT_EQ(FirstNameOutOfOrder(regularized, {"KernelConstInflIso", "KernelConstInfl", "KernelBase", "parameters_",
+                                              "epsilon_", "m_", "D_squared_", "helper_term_"}),
+            "");
+  EXPECT_THROW(KernelNodalInflExp().EvaluateDistances(one), std::domain_error);
+}
+
+TEST(StoredKernels, AreRefusedWithParametersThatNoKernelTakes) {
+  for (const Vector& parameters : {Vector(Vector::Zero(2)), Vector(Vector::Ones(3))}) {
+    StoredKernel record;
+    record.base.base.parameters_ = parameters;
+    KernelConstInflExp read;
+    EXPECT_ANY_THROW(Load(Store(record), read));
+  }
+}
+
+TEST(AppraisalData, IsStoredInTheOrderOfItsFields) {
+  AppraisalData data;
+  data.SetCoP(0.75);
+  data.SetSingleCoP(1, 0.5);
+  data.SetFirstOrderIndices(Vector::Constant(2, 0.125));
+  AppraisalData read;
+  Load(Store(data), read);
+  EXPECT_TRUE(read == data);
+  EXPECT_EQ(FirstNameOutOfOrder(data, {"cop_", "cod_", "codadj_", "single_cop_", "first_order_indices_"}), "");
+}
+
+}  // namespace
+}  // namespace kestrel::math::metamodel
