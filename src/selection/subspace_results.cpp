@@ -5,6 +5,8 @@
 #include <typeinfo>
 #include <utility>
 
+#include "persistence/archive/archives.h"
+#include "persistence/archive/require_stored.h"
 #include "support/matrix_equality.h"
 
 namespace kestrel::math::metamodel {
@@ -58,6 +60,18 @@ std::wstring ModelText(ModelType::eModelType type, const SurrogateSettingsBase& 
     case ModelType::kKriging: return std::wstring(L"Kriging (") + KernelName(settings.GetKernelType()) + L" kernel";
     default: return {};
   }
+}
+
+// Settings are stored through a plain pointer, and each record owns its own: one that is in the file already is
+// refused.
+std::unique_ptr<SurrogateSettingsBase> LoadSettings(portable_binary_iarchive& archive) {
+  archive.check_annotation("settings");
+  const auto pointee = archive.LoadPointee<SurrogateSettingsBase>();
+  if (pointee.address != nullptr && !pointee.created) {
+    using boost::archive::archive_exception;
+    throw archive_exception(archive_exception::pointer_conflict);
+  }
+  return std::unique_ptr<SurrogateSettingsBase>(static_cast<SurrogateSettingsBase*>(pointee.address));
 }
 
 }  // namespace
@@ -121,4 +135,34 @@ std::shared_ptr<SubspaceResultContainer> SubspaceResultContainer::Clone() const 
   return copy;
 }
 
+template <class Archive>
+void SubspaceResults::serialize(Archive& archive, const unsigned int /*version*/) {
+  using boost::serialization::make_nvp;
+  archive& make_nvp("model_type", model_type);
+  if constexpr (Archive::is_loading::value) {
+    persistence::RequireEnumerator(model_type, ModelType::kCustom, L"Stored result: unknown model type.");
+    settings = LoadSettings(archive);
+  } else {
+    const SurrogateSettingsBase* const stored = settings.get();
+    archive << make_nvp("settings", stored);
+  }
+  archive& make_nvp("CoD", measures.CoD);
+  archive& make_nvp("CoDadj", measures.CoDadj);
+  archive& make_nvp("CoP", measures.CoP);
+  archive& make_nvp("CoPadj", measures.CoPadj);
+  archive& make_nvp("CoDtest", measures.CoDtest);
+  archive& make_nvp("predError", measures.predError);
+  archive& make_nvp("singleCoPs", singleCoPs);
+}
+
+template <class Archive>
+void SubspaceResultContainer::serialize(Archive& archive, const unsigned int /*version*/) {
+  archive& boost::serialization::make_nvp("results_", results_);
+}
+
 }  // namespace kestrel::math::metamodel
+
+KESTREL_INSTANTIATE_SERIALIZE(kestrel::math::metamodel::SubspaceResults)
+KESTREL_INSTANTIATE_SERIALIZE(kestrel::math::metamodel::SubspaceResultContainer)
+BOOST_CLASS_EXPORT_IMPLEMENT(kestrel::math::metamodel::SubspaceResults)
+BOOST_CLASS_EXPORT_IMPLEMENT(kestrel::math::metamodel::SubspaceResultContainer)

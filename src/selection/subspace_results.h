@@ -9,6 +9,7 @@
 #include <typeindex>
 #include <vector>
 
+#include "persistence/archive/persistent.h"
 #include "support/linear_algebra.h"
 #include "surrogates/surrogate2_settings_base.h"
 
@@ -60,6 +61,11 @@ struct SubspaceResults {
   std::unique_ptr<SurrogateSettingsBase> settings;
   Measures measures;
   Matrix singleCoPs;  ///< of the best result: one row per input, first-order and total effect, each times CoP
+
+ private:
+  friend class boost::serialization::access;
+  template <class Archive>
+  void serialize(Archive& archive, unsigned int version);
 };
 
 /// Collects the results of all responses; response tasks add to it concurrently.
@@ -75,8 +81,16 @@ class SubspaceResultContainer {
   const std::map<std::wstring, std::vector<SubspaceResults>>& GetResults() const { return results_; }
 
  private:
+  friend class boost::serialization::access;
+  template <class Archive>
+  void serialize(Archive& archive, unsigned int version);
+
   boost::shared_mutex mutex_;
   std::map<std::wstring, std::vector<SubspaceResults>> results_;
 };
 
 }  // namespace kestrel::math::metamodel
+
+BOOST_CLASS_EXPORT_KEY2(kestrel::math::metamodel::SubspaceResults, "kestrel::math::metamodel::SubspaceResults")
+BOOST_CLASS_EXPORT_KEY2(kestrel::math::metamodel::SubspaceResultContainer,
+                        "kestrel::math::metamodel::SubspaceResultContainer")

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "persistence/archive/archives.h"
+#include "persistence/archive/serialize_fields.h"
 #include "support/error_report.h"
 
 namespace kestrel::math {
@@ -105,4 +107,20 @@ bool ZORSettings::CheckSettings(utils::log::LogBase& log) const {
   return good;
 }
 
+template <class Archive>
+void MetamodelSettings::serialize(Archive& archive, const unsigned int version) {
+  // A testing type that this version does not know stays: it is reported where it is asked for.
+  persistence::SerializeFields(archive, *this, version);
+}
+
+template <class Archive>
+void ZORSettings::serialize(Archive& archive, const unsigned int version) {
+  archive& boost::serialization::make_nvp("MetamodelSettings",
+                                          boost::serialization::base_object<MetamodelSettings>(*this));
+  persistence::SerializeFields(archive, *this, version);
+}
+
 }  // namespace kestrel::math::metamodel
+
+KESTREL_INSTANTIATE_SERIALIZE(kestrel::math::metamodel::MetamodelSettings)
+KESTREL_INSTANTIATE_SERIALIZE(kestrel::math::metamodel::ZORSettings)

@@ -8,6 +8,8 @@
 #include <utility>
 #include <vector>
 
+#include "datatypes/design_entry.h"
+#include "persistence/archive/persistent.h"
 #include "support/log.h"
 
 namespace kestrel::math {
@@ -28,6 +30,8 @@ namespace TestingType {
 /// How the prognosis of a candidate is tested.
 enum eTestingType : std::int32_t { kCrossValidation = 0, kLeaveOneOut = 1 };
 }  // namespace TestingType
+
+using NameValueMap = std::map<std::wstring, CDesignEntry>;
 
 /// Which model classes may compete for a response, how they are transformed and tested.
 class MetamodelSettings {
@@ -83,6 +87,13 @@ class MetamodelSettings {
   bool use_limits_ = false;
   std::pair<double, double> limits_{-std::numeric_limits<double>::infinity(),
                                     std::numeric_limits<double>::infinity()};  ///< of the predictions
+  std::map<std::wstring, NameValueMap> custom_settings_;  ///< settings of each surrogate from outside the library
+  NameValueMap qmk_variables_;                            ///< variables handed to these surrogates
+
+ private:
+  friend class boost::serialization::access;
+  template <class Archive>
+  void serialize(Archive& archive, unsigned int version);
 };
 
 /// Adds the filters that build the subspaces and the tolerances that decide between candidates.
@@ -149,6 +160,11 @@ class ZORSettings : public MetamodelSettings {
   double max_input_corr_ = 0.7;
   bool use_adj_cop_ = false;
   bool use_uniform_resample_ = false;
+
+ private:
+  friend class boost::serialization::access;
+  template <class Archive>
+  void serialize(Archive& archive, unsigned int version);
 };
 
 template <class Visit>
@@ -172,6 +188,8 @@ void MetamodelSettings::ForEachField(Visit visit) {
   visit("custom_", &Self::custom_, 2u);
   visit("use_limits_", &Self::use_limits_, 3u);
   visit("limits_", &Self::limits_, 3u);
+  visit("custom_settings_", &Self::custom_settings_, 4u);
+  visit("qmk_variables_", &Self::qmk_variables_, 4u);
 }
 
 template <class Visit>
@@ -202,3 +220,6 @@ void ZORSettings::ForEachField(Visit visit) {
 }
 
 }  // namespace kestrel::math::metamodel
+
+BOOST_CLASS_VERSION(kestrel::math::metamodel::MetamodelSettings, 4)
+BOOST_CLASS_VERSION(kestrel::math::metamodel::ZORSettings, 2)

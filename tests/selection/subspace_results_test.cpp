@@ -9,8 +9,34 @@
 
 #include "selection/print_results.h"
 #include "selection/search_samples.h"
+#include "support/stored.h"
 
 namespace kestrel::math::metamodel {
+
+/// The stored layout of a result and of a container, open to any content.
+struct StoredResult {
+  std::int32_t model_type = 1;
+  const SurrogateSettingsBase* settings = nullptr;
+  double measure = 0.5;
+  Matrix singleCoPs;
+  template <class Archive>
+  void serialize(Archive& archive, unsigned) {
+    archive& BOOST_SERIALIZATION_NVP(model_type) & BOOST_SERIALIZATION_NVP(settings);
+    for (const char* name : {"CoD", "CoDadj", "CoP", "CoPadj", "CoDtest", "predError"}) {
+      archive& boost::serialization::make_nvp(name, measure);
+    }
+    archive& BOOST_SERIALIZATION_NVP(singleCoPs);
+  }
+};
+
+struct StoredContainer {
+  std::map<std::wstring, std::vector<StoredResult>> results_;
+  template <class Archive>
+  void serialize(Archive& archive, unsigned) {
+    archive& BOOST_SERIALIZATION_NVP(results_);
+  }
+};
+
 namespace {
 
 using testing::FirstInputs;
@@ -87,6 +113,35 @@ TEST(PrintResults, FillsItsColumns) {
       {utils::log::LogLevel::kInformation, L"mass" + std::wstring(16, L' ') + L"no model found"}};
   ASSERT_EQ(log.GetEntries().size(), std::size(expected));
   for (std::size_t i = 0; i < std::size(expected); ++i) EXPECT_EQ(log.GetEntries()[i], expected[i]);
+}
+
+TEST(SubspaceResultContainer, IsStoredWithTheSettingsOfItsResults) {
+  SubspaceResultContainer container;
+  SubspaceResults result = Polynomial(FirstInputs(3, 2, 2));
+  result.singleCoPs = Matrix::Constant(3, 2, kNaN);
+  for (int i = 0; i < 5; ++i) container.AddSubspaceResult(L"mass", result);
+  container.AddSubspaceResult(L"stress", SubspaceResults());
+  const auto read = testing::RoundTrip(container);
+  EXPECT_TRUE(*read == container);
+  EXPECT_EQ(testing::FirstNameOutOfOrder(container, {"results_", "first", "second", "model_type", "settings", "CoD",
+                                                     "CoDadj", "CoP", "CoPadj", "CoDtest", "predError", "singleCoPs"}),
+            "");
+}
+
+TEST(SubspaceResultContainer, RefusesKindsAndOwnersThatCannotBe) {
+  const LinearRegressionSettings settings = FirstInputs(3, 2, 1);
+  StoredResult good;
+  good.settings = &settings;
+  StoredResult unknown = good;
+  unknown.model_type = 6;
+  const auto stored = [](const std::vector<StoredResult>& results) {
+    return testing::Store(StoredContainer{{{L"mass", results}}});
+  };
+  SubspaceResultContainer read;
+  testing::Load(stored({good}), read);
+  EXPECT_TRUE(*read.GetResults().at(L"mass").at(0).settings == settings);
+  EXPECT_THROW(testing::Load(stored({unknown}), read), utils::runtime_error);
+  EXPECT_THROW(testing::Load(stored({good, good}), read), boost::archive::archive_exception);
 }
 
 TEST(SubspaceResultContainer, TakesResultsOfSeveralThreads) {

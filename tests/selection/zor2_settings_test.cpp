@@ -4,7 +4,34 @@
 
 #include <utility>
 
+#include "support/stored.h"
+
 namespace kestrel::math::metamodel {
+
+/// The fields of class version 0.
+struct OldMetamodelSettings {
+  template <class Archive>
+  void serialize(Archive& archive, unsigned) {
+    MetamodelSettings settings;
+    settings.max_order_polynomial_ = 3;
+    MetamodelSettings::ForEachField([&](const char* name, auto field, unsigned since) {
+      if (since == 0) archive& boost::serialization::make_nvp(name, settings.*field);
+    });
+  }
+};
+
+struct OldZORSettings {
+  OldMetamodelSettings base;
+  template <class Archive>
+  void serialize(Archive& archive, unsigned) {
+    ZORSettings settings(2);
+    archive& boost::serialization::make_nvp("MetamodelSettings", base);
+    ZORSettings::ForEachField([&](const char* name, auto field, unsigned since) {
+      if (since == 0) archive& boost::serialization::make_nvp(name, settings.*field);
+    });
+  }
+};
+
 namespace {
 
 constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
@@ -17,6 +44,8 @@ void Change(std::uint64_t& value) { ++value; }
 void Change(TestingType::eTestingType& value) { value = TestingType::kLeaveOneOut; }
 void Change(std::map<std::wstring, bool>& value) { value[L"own"] = true; }
 void Change(std::pair<double, double>& value) { value.second = 7.0; }
+void Change(NameValueMap& value) { value[L"own"] = 2.5; }
+void Change(std::map<std::wstring, NameValueMap>& value) { value[L"own"][L"depth"] = 3; }
 void Change(std::vector<std::uint64_t>& value) { value.push_back(2); }
 
 // Calls check(name, changed settings) once for each field of both classes.
@@ -41,6 +70,25 @@ std::vector<std::wstring> Faults(const ZORSettings& settings) {
     faults.push_back(text);
   }
   return faults;
+}
+
+TEST(ZORSettings, EveryFieldIsStored) {
+  ForEachChangedField([&](const std::string& name, const ZORSettings& changed) {
+    ZORSettings read;
+    testing::Load(testing::Store(changed), read);
+    EXPECT_TRUE(read == changed) << name;
+    EXPECT_EQ(testing::Store(read), testing::Store(changed)) << name;
+  });
+}
+
+TEST(ZORSettings, OfClassVersionZeroGetTheDefaultsOfWhatTheyLack) {
+  ZORSettings expected(2);
+  expected.max_order_polynomial_ = 3;
+  ForEachChangedField([&](const std::string& name, const ZORSettings& changed) {
+    ZORSettings read = changed;
+    testing::Load(testing::Store(OldZORSettings()), read);
+    EXPECT_TRUE(read == expected) << name;
+  });
 }
 
 TEST(ZORSettings, EveryFieldIsComparedClonedAndResetUnlessOfTheBase) {
