@@ -172,7 +172,7 @@ bool operator<(const CDesignEntry& a, const CDesignEntry& b) {
     case enums::DesignEntry::VARIANT: return Get<VariantType>(a) < Get<VariantType>(b);
     case enums::DesignEntry::UNINITIALIZED: break;
   }
-  return true;  // an uninitialized cell is less than an uninitialized cell; sorted tables in files rely on it
+  return true;  // deliberate: an uninitialized cell is less than an uninitialized cell
 }
 
 bool Equal(const CDesignEntry& a, const CDesignEntry& b) {
