@@ -1,0 +1,31 @@
+#pragma once
+
+#include <sstream>
+#include <string>
+
+#include "persistence/archive/archives.h"
+
+namespace kestrel {
+
+/// The bytes of one object in an archive of its own.
+template <class Object>
+std::string Write(const Object& object) {
+  std::ostringstream stream;
+  {
+    portable_binary_oarchive archive(stream);
+    archive << object;
+  }
+  return stream.str();
+}
+
+/// Reads an object; a wrong annotation raises.
+template <class Object>
+Object Read(const std::string& bytes) {
+  std::istringstream stream(bytes);
+  portable_binary_iarchive archive(stream, 0x100000);
+  Object object;
+  archive >> object;
+  return object;
+}
+
+}  // namespace kestrel
