@@ -13,6 +13,14 @@ namespace {
 using eType = enums::DesignEntry::eType;
 using eKind = enums::DeterministicProperties::eKind;
 
+void RequireStates(const std::vector<CDesignEntry>& states) {
+  if (states.empty()) {
+    throw utils::runtime_error(
+        L"A discrete deterministic property requires at least one discrete state but you passed an empty discrete "
+        L"states vector.");
+  }
+}
+
 void RequireStatesOfType(const std::vector<CDesignEntry>& states, eType type) {
   const bool same = std::all_of(states.begin(), states.end(),
                                 [type](const CDesignEntry& state) { return state.GetDomainType() == type; });
@@ -114,11 +122,7 @@ void DeterministicProperties::SetDiscreteStates(std::vector<CDesignEntry> discre
   if (IsContinuous()) {
     throw utils::runtime_error(L"Cannot set discrete states for a continuous deterministic property");
   }
-  if (discrete_states.empty()) {
-    throw utils::runtime_error(
-        L"A discrete deterministic property requires at least one discrete state but you passed an empty discrete "
-        L"states vector.");
-  }
+  RequireStates(discrete_states);
   RequireStatesOfType(discrete_states, domain_flag_);
   discrete_states_ = std::move(discrete_states);
   lower_bound_ = 0;
@@ -148,12 +152,11 @@ void DeterministicProperties::SetKind(eKind kind, std::vector<CDesignEntry> disc
   if (kind != eKind::kOrdinalDiscrete && kind != eKind::kNominalDiscrete) {
     throw utils::runtime_error(L"A deterministic property is continuous, ordinal or nominal.");
   }
+  RequireStates(discrete_states);
   DeterministicProperties changed = *this;
   changed.ordered_flag_ = kind == eKind::kOrdinalDiscrete;
-  if (!discrete_states.empty()) {
-    changed.domain_flag_ = discrete_states.front().GetDomainType();
-    changed.discrete_states_ = discrete_states;  // discrete from here on, so that the states can be set
-  }
+  changed.domain_flag_ = discrete_states.front().GetDomainType();
+  changed.discrete_states_ = discrete_states;  // discrete from here on, so that the states can be set
   changed.SetDiscreteStates(std::move(discrete_states));
   *this = std::move(changed);
 }
