@@ -48,6 +48,13 @@ Vector ElementsOf(const DesignManager& designs, const std::wstring& response, st
   return values;
 }
 
+/// A file may name any number of parameters: the matrix of their values must not outgrow the designs by far.
+bool HaveAsManyEntries(const DesignManager& designs, std::size_t parameters) {
+  std::size_t entries = 0;
+  for (const Design& design : designs) entries += design.GetNumParameters();
+  return designs.empty() || parameters <= 2 * entries / designs.size();
+}
+
 std::vector<std::wstring> VaryingParameters(const ParameterManager& parameters) {
   std::vector<std::wstring> names;
   for (const Parameter& parameter : parameters.GetParameters()) {
@@ -58,14 +65,16 @@ std::vector<std::wstring> VaryingParameters(const ParameterManager& parameters) 
 
 }  // namespace
 
-const Matrix& SupportData::Points(const SurrogateInfo& info) {
+bool SupportData::TakePoints(const SurrogateInfo& info) {
   std::vector<std::wstring> names = info.GetParameterNames();
   if (names.empty()) names = VaryingParameters(parameters_);
+  if (names.size() != info.GetSurrogate()->GetVariableSelection().size()) return false;
   if (names_ != names) {
+    if (!HaveAsManyEntries(designs_, names.size())) return false;
     points_ = ConvertParametersToMatrix(designs_, names);
     names_ = std::move(names);
   }
-  return points_;
+  return true;
 }
 
 Vector SupportData::Values(const SurrogateInfo& info) const {
@@ -78,15 +87,14 @@ Vector SupportData::Values(const SurrogateInfo& info) const {
 std::vector<CHierachicalId> SupportData::FindDesigns(const SurrogateInfo& info) {
   const Matrix& sample = info.GetSurrogate()->GetSupportPoints();
   const Vector& sample_values = info.GetSurrogate()->GetResponseValues();
-  const Matrix& points = Points(info);
-  if (points.cols() != sample.cols() || sample_values.size() != sample.rows()) return {};
+  if (!TakePoints(info) || points_.cols() != sample.cols() || sample_values.size() != sample.rows()) return {};
   const Vector values = Values(info);
 
   // The rows of a sample are designs in their order, some of them left out, so the first design that fits is the one.
   std::vector<CHierachicalId> ids;
   Index next = 0;
-  for (Index row = 0; row < points.rows() && next < sample.rows(); ++row) {
-    if (!SameBits(values(row), sample_values(next)) || !SameRow(points, row, sample, next)) continue;
+  for (Index row = 0; row < points_.rows() && next < sample.rows(); ++row) {
+    if (!SameBits(values(row), sample_values(next)) || !SameRow(points_, row, sample, next)) continue;
     ids.push_back(designs_[static_cast<std::size_t>(row)].GetId());
     ++next;
   }
@@ -96,19 +104,18 @@ std::vector<CHierachicalId> SupportData::FindDesigns(const SurrogateInfo& info) 
 
 void SupportData::Restore(const SurrogateInfo& info) {
   const std::vector<CHierachicalId>& ids = info.GetUsedHIds();
-  const Matrix& points = Points(info);
+  if (!TakePoints(info) || ids.size() > designs_.size()) {
+    throw utils::runtime_error(L"Designs do not fit the metamodel of response \"" + info.GetResponseComponentName() +
+                               L"\".");
+  }
   const Vector values = Values(info);
-  Matrix sample(static_cast<Index>(ids.size()), points.cols());
+  Matrix sample(static_cast<Index>(ids.size()), points_.cols());
   Vector sample_values(sample.rows());
   for (Index row = 0; row < sample.rows(); ++row) {
     const Design& design = designs_.GetDesign(ids[static_cast<std::size_t>(row)]);
     const Index position = &design - designs_.GetDesigns().data();
-    sample.row(row) = points.row(position);
+    sample.row(row) = points_.row(position);
     sample_values(row) = values(position);
-  }
-  if (static_cast<std::uint64_t>(sample.cols()) != info.GetSurrogate()->GetVariableSelection().size()) {
-    throw utils::runtime_error(L"Designs do not fit the metamodel of response \"" + info.GetResponseComponentName() +
-                               L"\".");
   }
   info.GetSurrogate()->RestoreSupportsAfterSerialize(sample, sample_values);
 }

@@ -22,13 +22,13 @@ class SupportData {
   /// the surrogate; empty if they are not all there. The surrogate has its sample.
   std::vector<CHierachicalId> FindDesigns(const SurrogateInfo& info);
 
-  /// Gives the surrogate the sample that its ids name. Raises utils::runtime_error if a design is not there, or if the
-  /// points have another number of columns than the surrogate has inputs.
+  /// Gives the surrogate the sample that its ids name. Raises utils::logic_error "No such design" for one that is not
+  /// there, utils::runtime_error if the parameters are not as many as the inputs of the surrogate.
   void Restore(const SurrogateInfo& info);
 
  private:
-  /// N x n, one row per design, in the order of the columns of the surrogate's points.
-  const math::Matrix& Points(const SurrogateInfo& info);
+  /// Brings `points_` to the columns of the surrogate's points; false if the designs cannot have them.
+  bool TakePoints(const SurrogateInfo& info);
   /// One value per design of the response, or component of a response, that the surrogate stands for; NaN where the
   /// design has none.
   math::Vector Values(const SurrogateInfo& info) const;
@@ -36,7 +36,7 @@ class SupportData {
   const DesignManager& designs_;
   const ParameterManager& parameters_;
   std::optional<std::vector<std::wstring>> names_;  ///< of the columns of `points_`
-  math::Matrix points_;
+  math::Matrix points_;                             ///< N x n, one row per design
 };
 
 }  // namespace kestrel::algorithm::datatypes

@@ -109,8 +109,8 @@ class SurrogateInfoContainer {
   /// See `SurrogateInfo::ResetSupportData`.
   void ResetSupportData();
   /// Gives each surrogate without a sample the points and values of its designs, bit for bit as they were. Without ids
-  /// that leaves a warning and a surrogate without data. Raises utils::runtime_error for designs that are not there or
-  /// do not hold what the surrogate was built on.
+  /// that leaves a warning and a surrogate without data. Raises utils::logic_error for designs that are not there and
+  /// utils::runtime_error if the parameters are not as many as the inputs of the surrogate.
   void RestoreSupportData(const DesignManager& designs, const ParameterManager& parameters);
 
  private:
