@@ -37,7 +37,8 @@ bool LYRAFile::Write(const datatypes::LYRA& lyra, FailureInfo& failure) const {
     return false;
   }
   WriteFileHeader(file, path_);
-  if (file) AppendLYRAObject(file, lyra);
+  // The archive changes the stream's conversion, which a file refuses for ever while it cannot write what it holds.
+  if (file.flush()) AppendLYRAObject(file, lyra);
   file.close();
   if (!file) failure.state = FailureInfo::writing;
   return file.good();
@@ -57,6 +58,7 @@ void LYRAFile::WriteFileHeader(std::ostream& stream, const std::string& path) {
 void LYRAFile::AppendLYRAObject(std::ostream& stream, const datatypes::LYRA& lyra) {
   portable_binary_oarchive archive(stream, 0);
   archive << lyra;
+  archive.Flush();
 }
 
 }  // namespace kestrel::algorithm

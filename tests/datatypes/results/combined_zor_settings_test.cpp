@@ -6,6 +6,8 @@
 #include <limits>
 
 #include "support/log_lines.h"
+#include "support/stored.h"
+#include "surrogates/linear_regression_settings.h"
 
 namespace kestrel::zor {
 namespace {
@@ -195,6 +197,46 @@ TEST(CombinedSettings, KnowWhichLevelIsInForce) {
   EXPECT_EQ(of_type(eSettingsType::kAutomatic).CVValuesSuffix(), L"");
   EXPECT_TRUE(of_type(eSettingsType::kAdvanced).WriteCVValues());
   EXPECT_EQ(of_type(eSettingsType::kAdvanced).CVValuesSuffix(), L"_cv");
+}
+
+TEST(CombinedSettings, ComeBackFromAnArchive) {
+  ZORAdvancedSettings advanced;
+  advanced.log_file_path_ = std::filesystem::u8path("log/\xC3\xBC.txt");
+  advanced.custom_surrogates_ = {std::make_shared<math::metamodel::LinearRegressionSettings>(3)};
+  advanced.zor_custom_id_usage_container_[L"id"] = true;
+  ZORData data = MakeData();
+  data.parameter_importance_[L"b"] = 2;
+  data.SetResponsesBoundaries({{L"r", {-1.0, 1.0}}});
+  ZORAutomaticSettings automatic;
+  automatic.model_complexity_ = 4;
+  ZORCombinedSettings settings(eSettingsType::kAdvanced, data, true, automatic, advanced);
+  settings.SetLimits({0.0, 5.0});
+
+  ZORCombinedSettings read;
+  testing::Load(testing::Store(settings), read);
+  EXPECT_EQ(testing::Store(read), testing::Store(settings));
+  EXPECT_EQ(read.GetAdvancedSettings().log_file_path_, advanced.log_file_path_);
+  EXPECT_EQ(read.GetZORData().parameters_, data.parameters_);
+  EXPECT_EQ(read.GetLimits(), settings.GetLimits());
+  EXPECT_TRUE(read.AnySurrogateZORModelUsed());
+  EXPECT_EQ(testing::FirstNameOutOfOrder(
+                settings, {"settings_type_", "data_", "show_pp_", "automatic_settings_", "advanced_settings_",
+                           "num_parallel_", "pzor_settings_", "custom_surrogates_", "zor_custom_id_usage_container_",
+                           "export_fmu_", "default_parameter_bounds_adjustment_min_",
+                           "default_parameter_bounds_adjustment_max_", "limits_", "classic_settings_", "delta_cop_"}),
+            "");
+}
+
+TEST(ZorData, ForgetsWhatItKnewOfNamesThatAreGone) {
+  ZORData data = MakeData();
+  data.UpdateParameterImportance({{L"a", 2}, {L"b", 0}});
+  data.UpdateResponsesUsage({{L"s", true}});
+  ZORData other;
+  other.SetParameters(std::vector<std::wstring>{L"b", L"c"});
+  other.SetResponses(std::vector<std::wstring>{L"s"});
+  data.Adapt(other.parameters_, other.responses_);
+  EXPECT_EQ(data.parameter_importance_, (std::map<std::wstring, std::uint64_t>{{L"b", 0}}));
+  EXPECT_EQ(data.responses_usage_, (std::map<std::wstring, bool>{{L"s", true}}));
 }
 
 }  // namespace
