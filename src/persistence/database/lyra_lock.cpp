@@ -11,6 +11,10 @@ namespace interprocess = boost::interprocess;
 
 constexpr int kRights = 0644;
 
+/// Condition variables of the C library can lose a wake-up, so a long wait is a row of short ones: each looks at the
+/// lock anew.
+constexpr std::chrono::milliseconds kSlice{20};
+
 std::uint64_t Combine(std::uint64_t hash, std::uint64_t value) {
   constexpr std::uint64_t kMultiplier = 0xc6a4a7935bd1e995;
   constexpr int kShift = 47;
@@ -19,6 +23,15 @@ std::uint64_t Combine(std::uint64_t hash, std::uint64_t value) {
   value ^= value >> kShift;
   value *= kMultiplier;
   return (hash ^ value) * kMultiplier + kAddend;
+}
+
+bool LockWithin(interprocess::named_sharable_mutex& mutex, std::chrono::milliseconds longest_wait) {
+  const auto end = std::chrono::steady_clock::now() + longest_wait;
+  do {
+    const auto now = boost::posix_time::microsec_clock::universal_time();
+    if (mutex.timed_lock(now + boost::posix_time::milliseconds(kSlice.count()))) return true;
+  } while (std::chrono::steady_clock::now() < end);
+  return false;
 }
 
 }  // namespace
@@ -35,9 +48,7 @@ PathWriteLock::PathWriteLock(std::string_view path, std::chrono::milliseconds lo
   const std::string name = hash_str(path);
   try {
     mutex_.emplace(interprocess::open_or_create, name.c_str(), interprocess::permissions(kRights));
-    const auto end =
-        boost::posix_time::microsec_clock::universal_time() + boost::posix_time::milliseconds(longest_wait.count());
-    if (mutex_->timed_lock(end)) return;
+    if (LockWithin(*mutex_, longest_wait)) return;
     interprocess::named_sharable_mutex::remove(name.c_str());
   } catch (const interprocess::interprocess_exception&) {
     // A save without its turn is better than none.
