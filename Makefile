@@ -1,7 +1,7 @@
 # A thin front onto CMake and CTest. CMakePresets.json has the presets, out/<preset> the build trees.
 PREFIX ?= /usr/local
 
-.PHONY: demo check sanitize bench install clean format
+.PHONY: demo check sanitize bench fuzz install clean format
 
 # Builds the program and the examples and shows what they do.
 demo:
@@ -21,6 +21,10 @@ sanitize:
 bench:
 	@scripts/build.sh release bench/all
 	@for program in out/release/bench/*/*_bench; do $$program --benchmark_filter='$(FILTER)'; done
+
+# Runs each fuzz target for a minute; `make fuzz SECONDS=600` for longer.
+fuzz:
+	@scripts/fuzz.sh $(SECONDS)
 
 # Installs to PREFIX (below DESTDIR if set), with a second build of the library for processors with AVX2 and FMA.
 install:

@@ -463,6 +463,56 @@ ZOR_API uint32_t zor_get_cv_indexes_per_output(zor_handle_t handle, int32_t outp
  */
 ZOR_API uint32_t zor_get_input_bounds(zor_handle_t handle, double* bounds);
 
+/**
+ * Report of the build: the sampling, the models with their quality, how often each input is used. Kept with the built
+ * model, but not stored with it: a model that was read has an empty report.
+ * @param text    receives a new buffer, not zero-terminated, to be freed with `zor_release_buf`.
+ * @param length  receives the number of bytes in it.
+ */
+ZOR_API uint32_t zor_get_report(zor_handle_t handle, char** text, size_t* length);
+
+/* ------------------------------------------------------------------------------------------------------------------
+ * Files
+ *
+ * A stored model is the whole handle: settings, counts, names and, if it is built, its models with the designs. What is
+ * read back answers every call with the same bits. A monitoring file (extension .lyra) is the record of a build for
+ * other programs: a header in JSON, then designs, parameters and models. Paths are UTF-8.
+ * --------------------------------------------------------------------------------------------------------------- */
+
+/** Stores the handle, built or not, in a file; an earlier file is replaced. */
+ZOR_API uint32_t zor_write_db_file(zor_handle_t handle, const char* path);
+
+/**
+ * Stores the handle in memory.
+ * @param buffer  receives a new buffer, to be freed with `zor_release_buf`.
+ * @param size    receives the number of bytes in it.
+ */
+ZOR_API uint32_t zor_write_db_buf(zor_handle_t handle, void** buffer, size_t* size);
+
+/**
+ * Makes a handle from a file that `zor_write_db_file` wrote.
+ * @param handle  receives the new handle. What it held is not released; it must be NULL or a handle, whose last error
+ *                then has the text of a failure. Untouched if the call fails.
+ * @return zor_handle_init_failed if the file is missing, is no stored model, or its parts contradict each other.
+ */
+ZOR_API uint32_t zor_read_db_file(zor_handle_t* handle, const char* path);
+
+/** As `zor_read_db_file`, from memory of `size` bytes. */
+ZOR_API uint32_t zor_read_db_buf(zor_handle_t* handle, const void* buffer, size_t size);
+
+/** Writes the record of the build to a monitoring file, and the missing directories of its path. Needs a model. */
+ZOR_API uint32_t zor_write_monitoring_file(zor_handle_t handle, const char* path);
+
+/**
+ * Describes a monitoring file in JSON: its own header as "header"; "parameters" with name and bounds, "responses",
+ * "designs" (total, succeeded, failed, pending) and "models" with response, model and CoP.
+ * @param text    receives a new buffer, not zero-terminated, to be freed with `zor_release_buf`: the description, or
+ *                the reason why there is none. Nothing is handed out for a null pointer or without memory.
+ * @param length  receives the number of bytes in it.
+ * @return zor_handle_init_failed if the file is missing or is no monitoring file.
+ */
+ZOR_API uint32_t zor_describe_monitoring_file(const char* path, char** text, size_t* length);
+
 /* ------------------------------------------------------------------------------------------------------------------
  * Models from outside the library: not enabled in this build
  * --------------------------------------------------------------------------------------------------------------- */

@@ -1,10 +1,11 @@
 #!/usr/bin/env bash
-# Installs the Debian packages of packages.txt that are missing; does nothing and is silent if all are there.
+# install_packages.sh [list]: installs the Debian packages of the list (packages.txt) that are missing; does nothing and
+# is silent if all are there.
 set -euo pipefail
 cd "$(dirname "$0")"
 
 command -v dpkg-query >/dev/null || exit 0 # not Debian: the configure step names what it cannot find
-wanted=$(sed 's/#.*//' packages.txt | xargs)
+wanted=$(sed 's/#.*//' "${1:-packages.txt}" | xargs)
 # shellcheck disable=SC2086  # the names are words
 installed=$(dpkg-query -W -f '${db:Status-Status} ${Package}\n' $wanted 2>/dev/null | sed -n 's/^installed //p' || true)
 missing=$(comm -23 <(tr ' ' '\n' <<<"$wanted" | sort -u) <(sort -u <<<"$installed") | xargs)

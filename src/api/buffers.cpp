@@ -42,14 +42,18 @@ std::uint32_t WriteRows(const math::Matrix& matrix, std::uint64_t rows, std::uin
   return zor_success;
 }
 
+void* HandOutBytes(const char* bytes, std::size_t count, std::size_t* length) {
+  std::size_t& size = Target(length);
+  char* const copy = static_cast<char*>(std::malloc(count == 0 ? 1 : count));
+  if (copy == nullptr) throw std::bad_alloc();
+  std::copy(bytes, bytes + count, copy);
+  size = count;
+  return copy;
+}
+
 void HandOut(const std::string& text, char** target, std::size_t* length) {
   char*& buffer = Target(target);
-  std::size_t& size = Target(length);
-  char* const copy = static_cast<char*>(std::malloc(text.empty() ? 1 : text.size()));
-  if (copy == nullptr) throw std::bad_alloc();
-  std::copy(text.begin(), text.end(), copy);
-  buffer = copy;
-  size = text.size();
+  buffer = static_cast<char*>(HandOutBytes(text.data(), text.size(), length));
 }
 
 }  // namespace kestrel::api

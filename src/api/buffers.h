@@ -40,6 +40,9 @@ void WriteValues(const Container& source, Value* values) {
   for (const auto& value : source) *values++ = boost::numeric_cast<Value>(value);
 }
 
+/// A copy of the bytes for the caller, who gives it back to `zor_release_buf`; their number goes to `length`.
+void* HandOutBytes(const char* bytes, std::size_t count, std::size_t* length);
+
 /// Hands a copy of the text, not zero-terminated, to the caller, who gives it back to `zor_release_buf`.
 void HandOut(const std::string& text, char** target, std::size_t* length);
 

@@ -90,3 +90,10 @@ uint32_t zor_get_input_bounds(zor_handle_t handle, double* bounds) {
     return zor_success;
   });
 }
+
+uint32_t zor_get_report(zor_handle_t handle, char** text, size_t* length) {
+  return GuardedResult(handle, [&](const ZOR& record) {
+    kestrel::api::HandOut(record.report_, text, length);
+    return zor_success;
+  });
+}

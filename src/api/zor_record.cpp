@@ -1,5 +1,6 @@
 #include "api/zor_record.h"
 
+#include <algorithm>
 #include <atomic>
 #include <boost/format.hpp>
 #include <boost/numeric/conversion/cast.hpp>
@@ -9,11 +10,15 @@
 #include <set>
 #include <stdexcept>
 
+#include "datatypes/design_entry.h"
+#include "datatypes/design_matrices.h"
+#include "datatypes/extract_parameters.h"
 #include "support/strings.h"
 #include "surrogates/linear_regression.h"
 
 namespace {
 
+using kestrel::algorithm::datatypes::LYRA;
 using kestrel::algorithm::datatypes::SurrogateInfo;
 using kestrel::algorithm::datatypes::ZORInformation;
 using kestrel::math::metamodel::SurrogateBase;
@@ -49,16 +54,45 @@ void RequireUnique(const std::vector<std::wstring>& names, Refuse refuse) {
 }
 
 /// Designs hold their values by name, so two values of one name have no place in them.
-void RequireUniqueNames(const kestrel::zor::SampleTable& samples) {
-  if (samples.parameters.rows() == 0) return;
-  RequireUnique(samples.parameter_names, [&](std::size_t i) {
+void RequireUniqueNames(const ZOR::HandlerData& data, const kestrel::math::Matrix& inputs) {
+  if (inputs.rows() == 0) return;
+  RequireUnique(data.input_names, [&](std::size_t i) {
     boost::wformat text(L"Value ( %1%, %2% ) already exists in this sequence");
-    text % samples.parameter_names[i] % samples.parameters(0, static_cast<kestrel::math::Index>(i));
+    text % data.input_names[i] % inputs(0, static_cast<kestrel::math::Index>(i));
     throw std::invalid_argument(kestrel::string::narrow(text.str()));
   });
-  RequireUnique(samples.response_names, [&](std::size_t i) {
-    throw std::logic_error("Response \"" + kestrel::string::narrow(samples.response_names[i]) + "\" already exists.");
+  RequireUnique(data.output_names, [&](std::size_t i) {
+    throw std::logic_error("Response \"" + kestrel::string::narrow(data.output_names[i]) + "\" already exists.");
   });
+}
+
+const ZORInformation& RequireInformation(const LYRA& lyra) {
+  const auto& algorithm = lyra.GetAlgorithmInfo();
+  const ZORInformation* const information = algorithm ? std::as_const(*algorithm).GetZORInfo() : nullptr;
+  if (information == nullptr) throw std::runtime_error("ZOR information missing.");
+  return *information;
+}
+
+/// The names of a record are those of its database, unless it never had any.
+bool SameNames(const std::vector<std::string>& names, const std::vector<std::wstring>& stored) {
+  if (names.empty()) return true;
+  const auto is_same = [](const std::string& name, const std::wstring& wide) {
+    return kestrel::string::widen(name) == wide;
+  };
+  return std::equal(names.begin(), names.end(), stored.begin(), stored.end(), is_same);
+}
+
+/// Equal within the last bits.
+bool IsNear(double a, double b) {
+  constexpr double kTolerance = 2.220446049250313e-14;
+  return kestrel::NearTo(kestrel::CDesignEntry(a), kestrel::CDesignEntry(b), kTolerance);
+}
+
+/// The same for lists of one length.
+template <class A, class B>
+bool AreNear(const A& a, const B& b) {
+  return std::equal(a.begin(), a.end(), b.begin(), b.end(),
+                    [](auto x, auto y) { return IsNear(static_cast<double>(x), static_cast<double>(y)); });
 }
 
 std::uint64_t NumberOfWorkers(std::uint64_t wanted) {
@@ -92,6 +126,7 @@ void ZOR::ClearResults() {
   model_per_output_.clear();
   cv_indexes_per_output_.clear();
   surrogate_per_output_.clear();
+  report_.clear();
 }
 
 void ZOR::SetLastError(std::string_view text) noexcept {
@@ -110,7 +145,10 @@ const char* ZOR::GetLastError() const noexcept {
   return last != nullptr && last->generation == generation_ ? last->text.c_str() : "";
 }
 
-kestrel::zor::SampleTable ZOR::BuildHandlerData(kestrel::math::Matrix inputs, kestrel::math::Matrix outputs) const {
+ZOR::HandlerData ZOR::BuildHandlerData(const kestrel::math::Matrix& inputs,
+                                       const kestrel::math::Matrix& outputs) const {
+  using kestrel::algorithm::datatypes::CreateDesignsFromMatrices;
+  using kestrel::algorithm::datatypes::extractParametersFromDesigns;
   Require(num_inputs_ != 0 && num_outputs_ != 0, "At least one input and one output needed.");
   Require(static_cast<std::uint64_t>(inputs.cols()) == num_inputs_, "Number of inputs does not fit given input count.");
   Require(static_cast<std::uint64_t>(outputs.cols()) == num_outputs_,
@@ -120,22 +158,25 @@ kestrel::zor::SampleTable ZOR::BuildHandlerData(kestrel::math::Matrix inputs, ke
           "Number of input names does not fit given input count.");
   Require(output_names_.empty() || output_names_.size() == num_outputs_,
           "Number of output names does not fit given output count.");
-  kestrel::zor::SampleTable samples{WideNames(input_names_, L'p', num_inputs_),
-                                    WideNames(output_names_, L'r', num_outputs_), std::move(inputs),
-                                    std::move(outputs)};
-  RequireUniqueNames(samples);
-  return samples;
+  HandlerData data;
+  data.input_names = WideNames(input_names_, L'p', num_inputs_);
+  data.output_names = WideNames(output_names_, L'r', num_outputs_);
+  RequireUniqueNames(data, inputs);
+  data.designs = CreateDesignsFromMatrices(data.input_names, inputs, data.output_names, outputs);
+  kestrel::utils::log::LogDummy nobody;
+  data.parameters = extractParametersFromDesigns(data.designs, nobody);
+  return data;
 }
 
-kestrel::zor::ZORCombinedSettings ZOR::GetCombinedSettings(const kestrel::zor::SampleTable& samples) const {
+kestrel::zor::ZORCombinedSettings ZOR::GetCombinedSettings(const HandlerData& handler_data) const {
   kestrel::zor::ZORData data;
-  data.SetParameters(samples.parameter_names);
-  data.SetResponses(samples.response_names);
-  for (const std::wstring& name : samples.response_names) data.responses_usage_[name] = true;
+  data.SetParameters(handler_data.input_names);
+  data.SetResponses(handler_data.output_names);
+  for (const std::wstring& name : handler_data.output_names) data.responses_usage_[name] = true;
   const std::vector<std::uint64_t>& importance = settings_.info_important_;
-  if (importance.size() == samples.parameter_names.size()) {
+  if (importance.size() == handler_data.input_names.size()) {
     for (std::size_t i = 0; i < importance.size(); ++i) {
-      data.parameter_importance_[samples.parameter_names[i]] = importance[i];
+      data.parameter_importance_[handler_data.input_names[i]] = importance[i];
     }
   }
   kestrel::zor::ZORAdvancedSettings advanced;
@@ -145,8 +186,9 @@ kestrel::zor::ZORCombinedSettings ZOR::GetCombinedSettings(const kestrel::zor::S
                                            kestrel::zor::ZORAutomaticSettings(), std::move(advanced));
 }
 
-void ZOR::FillZORData(const ZORInformation& information) {
-  const std::vector<SurrogateInfo>& infos = information.surrogate_infos_.GetInfos();
+void ZOR::FillZORData(const LYRA& lyra) {
+  const ZORInformation& information = RequireInformation(lyra);
+  const std::vector<SurrogateInfo>& infos = information.GetSurrogateInfos().GetInfos();
   Require(infos.size() == num_outputs_, "ZOR information has wrong sizes.");
   cop_per_output_.assign(infos.size(), kUnknown);
   single_cops_per_output_.assign(infos.size(), std::vector<double>(num_inputs_, kUnknown));
@@ -160,13 +202,80 @@ void ZOR::FillZORData(const ZORInformation& information) {
     surrogate_per_output_[i] = infos[i].GetSurrogate();
     const kestrel::math::Vector& single_cops = appraisal.GetSingleCoPs();
     if (single_cops.size() > 0) single_cops_per_output_[i].assign(single_cops.begin(), single_cops.end());
-    cv_indexes_per_output_[i] = Narrowed(information.cv_indexes_.at(infos[i].GetResponseComponentName()));
+    cv_indexes_per_output_[i] = Narrowed(information.GetCVIndexes().at(infos[i].GetResponseComponentName()));
   }
+}
+
+void ZOR::CheckData() const {
+  const LYRA& lyra = zorsolver_.GetLYRA();
+  const std::vector<std::wstring> inputs = lyra.GetParameterNames();
+  Require(inputs.size() == num_inputs_, "Number of inputs does not match.");
+  Require(SameNames(input_names_, inputs), "Input names do not match.");
+  const ZORInformation& information = RequireInformation(lyra);
+  const std::vector<SurrogateInfo>& infos = information.GetSurrogateInfos().GetInfos();
+  Require(infos.size() == num_outputs_, "Number of outputs does not match.");
+  Require(SameNames(output_names_, information.GetResponseNames()), "Output names do not match.");
+  Require(cop_per_output_.size() == infos.size(), "CoP does not match.");
+  Require(model_per_output_.size() == infos.size(), "Model type does not match.");
+  Require(surrogate_per_output_.size() == infos.size(), "Surrogate does not match.");
+  Require(single_cops_per_output_.size() == infos.size(), "Single CoP do not match.");
+  Require(cv_indexes_per_output_.size() == infos.size(), "Cross validation indexes do not match.");
+  for (std::size_t i = 0; i < infos.size(); ++i) CheckOutput(i, infos[i], information);
+}
+
+/// The part of `CheckData` on one output.
+void ZOR::CheckOutput(std::size_t output, const SurrogateInfo& info, const ZORInformation& information) const {
+  const auto& appraisal = info.GetAppraisalData();
+  Require(cop_per_output_[output] == appraisal.GetCoP(), "CoP does not match.");
+  Require(model_per_output_[output] == ModelTypeOf(info.GetSurrogate().get()), "Model type does not match.");
+  const auto& surrogate = surrogate_per_output_[output];
+  const bool both = surrogate != nullptr && info.GetSurrogate() != nullptr;
+  Require(both && *surrogate == *info.GetSurrogate(), "Surrogate does not match.");
+  Require(static_cast<std::uint64_t>(surrogate->GetSupportPoints().cols()) == num_inputs_,
+          "Number of inputs does not match.");
+  const std::vector<double>& single_cops = single_cops_per_output_[output];
+  const kestrel::math::Vector& stored_cops = appraisal.GetSingleCoPs();
+  const bool has_cops = stored_cops.size() > 0;
+  Require(single_cops.size() == (has_cops ? static_cast<std::size_t>(stored_cops.size()) : num_inputs_),
+          "Single CoP do not match.");
+  Require(!has_cops || AreNear(single_cops, stored_cops), "Current single CoP does not match.");
+  const std::vector<std::uint32_t>& indexes = cv_indexes_per_output_[output];
+  const auto& stored_indexes = information.GetCVIndexes().at(info.GetResponseComponentName());
+  Require(indexes.size() == stored_indexes.size(), "Cross validation indexes do not match.");
+  Require(AreNear(indexes, stored_indexes), "Cross validation index does not match.");
+}
+
+void ZOR::FinishReading(unsigned int version) {
+  if (version == 0) TakeDescriptionFromDatabase();
+  if (!built_) return;
+  CheckData();
+  zorsolver_.InitializeSolver();
+}
+
+/// Records of version 0 hold no more than their database.
+void ZOR::TakeDescriptionFromDatabase() {
+  const LYRA& lyra = zorsolver_.GetLYRA();
+  built_ = lyra.IsConsistent() && !lyra.GetDesignContainer().empty();
+  if (!built_) return;
+  const ZORInformation& information = RequireInformation(lyra);
+  const auto narrowed = [](const std::vector<std::wstring>& names) {
+    std::vector<std::string> narrow;
+    for (const std::wstring& name : names) narrow.push_back(kestrel::string::narrow(name));
+    return narrow;
+  };
+  input_names_ = narrowed(lyra.GetParameterNames());
+  output_names_ = narrowed(information.GetResponseNames());
+  num_inputs_ = input_names_.size();
+  num_outputs_ = output_names_.size();
+  FillZORData(lyra);
 }
 
 std::vector<std::pair<double, double>> ZOR::GetSamplingBounds() const {
   std::vector<std::pair<double, double>> bounds(num_inputs_, {kUnknown, kUnknown});
-  const ZORInformation& information = zorsolver_.GetInformation();
-  for (std::size_t i = 0; i < input_names_.size(); ++i) bounds[i] = information.sampling_limits_.at(i);
+  const auto sampled = zorsolver_.GetLYRA().GetParameterSamplingBounds();
+  for (std::size_t i = 0; i < input_names_.size(); ++i) {
+    const auto entry = sampled.find(kestrel::string::widen(input_names_[i]));
+    if (entry != sampled.end()) bounds.at(i) = entry->second;
+  }
   return bounds;
 }

@@ -12,7 +12,8 @@
 #include "build/zor_handler.h"
 #include "build/zorsolver.h"
 #include "datatypes/results/combined_zor_settings.h"
-#include "datatypes/results/zor_information.h"
+#include "persistence/archive/persistent.h"
+#include "persistence/database/lyra.h"
 #include "selection/zor2_settings.h"
 #include "support/linear_algebra.h"
 #include "surrogates/surrogate2_base.h"
@@ -34,17 +35,28 @@ struct ZOR {
   void SetLastError(std::string_view text) noexcept;
   const char* GetLastError() const noexcept;
 
-  /// The samples of a build with their names, made up as "p0", "r0" and so on where none were given. Raises
-  /// std::runtime_error if counts, names and matrices do not fit each other.
+  /// What a build is made of.
+  struct HandlerData {
+    kestrel::algorithm::datatypes::ParameterManager parameters;
+    kestrel::algorithm::datatypes::DesignManager designs;
+    std::vector<std::wstring> input_names;
+    std::vector<std::wstring> output_names;
+  };
+
+  /// The samples as finished designs, with names made up as "p0", "r0" and so on where none were given, and parameters
+  /// with bounds taken from them. Raises std::runtime_error if counts, names and matrices do not fit each other.
   /// @param inputs  N x n, @param outputs  N x m, one row per design.
-  kestrel::zor::SampleTable BuildHandlerData(kestrel::math::Matrix inputs, kestrel::math::Matrix outputs) const;
+  HandlerData BuildHandlerData(const kestrel::math::Matrix& inputs, const kestrel::math::Matrix& outputs) const;
 
   /// The settings of a build of these samples: advanced level, all outputs.
-  kestrel::zor::ZORCombinedSettings GetCombinedSettings(const kestrel::zor::SampleTable& samples) const;
+  kestrel::zor::ZORCombinedSettings GetCombinedSettings(const HandlerData& data) const;
 
-  /// Takes over what a build left. Raises std::runtime_error "ZOR information has wrong sizes." if the models are not
-  /// as many as the outputs.
-  void FillZORData(const kestrel::algorithm::datatypes::ZORInformation& information);
+  /// Takes over what a build left. Raises std::runtime_error "ZOR information missing." for a record of anything else,
+  /// and "ZOR information has wrong sizes." if the models are not as many as the outputs.
+  void FillZORData(const kestrel::algorithm::datatypes::LYRA& lyra);
+
+  /// Compares a record that was read with its database. Raises std::runtime_error for the first difference.
+  void CheckData() const;
 
   /// Smallest and largest sampled value per input; NaN for the inputs without a name.
   std::vector<std::pair<double, double>> GetSamplingBounds() const;
@@ -65,8 +77,18 @@ struct ZOR {
   std::vector<zor_model_type> model_per_output_;
   std::vector<std::vector<std::uint32_t>> cv_indexes_per_output_;  ///< per design of the model; empty: leave one out
   std::vector<std::shared_ptr<kestrel::math::metamodel::SurrogateBase>> surrogate_per_output_;
+  std::string report_;  ///< of the build, UTF-8; not stored
 
  private:
+  friend class boost::serialization::access;
+  template <class Archive>
+  void serialize(Archive& archive, unsigned int version);
+  /// Brings what was read into the present form, compares it and prepares the evaluation.
+  void FinishReading(unsigned int version);
+  void TakeDescriptionFromDatabase();
+  void CheckOutput(std::size_t output, const kestrel::algorithm::datatypes::SurrogateInfo& info,
+                   const kestrel::algorithm::datatypes::ZORInformation& information) const;
+
   /// A thread-specific text is found by the address of its owner, and the texts of other threads outlive the owner. The
   /// generation tells a text of this record from one that an earlier record at the same address left on a thread.
   struct LastError {
@@ -77,3 +99,5 @@ struct ZOR {
   std::uint64_t generation_;
   boost::thread_specific_ptr<LastError> last_error_;
 };
+
+BOOST_CLASS_VERSION(ZOR, 2)

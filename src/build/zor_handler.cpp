@@ -1,7 +1,7 @@
 #include "build/zor_handler.h"
 
 #include <algorithm>
-#include <boost/format.hpp>
+#include <boost/make_shared.hpp>
 #include <boost/thread/thread.hpp>
 #include <cmath>
 #include <future>
@@ -11,91 +11,81 @@
 
 #include "build/zor_task.h"
 #include "build/zor_task_pool.h"
+#include "datatypes/design_functions.h"
 #include "statistics/random.h"
 #include "support/exceptions.h"
+
+// The run: tasks are scheduled, their results collected and reported.
 
 namespace kestrel::zor {
 namespace {
 
+using algorithm::datatypes::AlgorithmInfo;
+using algorithm::datatypes::CHierachicalId;
+using algorithm::datatypes::Design;
 using algorithm::datatypes::SurrogateInfo;
-using Limits = std::vector<std::pair<double, double>>;
+using math::metamodel::SubspaceResultContainer;
+using utils::log::LogBase;
+using utils::log::LogLevel;
 
-constexpr math::Index kMinDesigns = 2;
-
-/// Parameters whose bounds nobody gave reach beyond their samples by this fraction of the sampled range at either end.
-constexpr double kBoundsAdjustment = 0.1;
-
-void RequireFiniteInputs(const math::Matrix& inputs) {
-  if (inputs.allFinite()) return;
-  for (math::Index design = 0; design < inputs.rows(); ++design) {
-    for (math::Index input = 0; input < inputs.cols(); ++input) {
-      if (std::isfinite(inputs(design, input))) continue;
-      throw utils::runtime_error(
-          (boost::wformat(L"Input %u of design %u is not a finite number.") % input % design).str());
-    }
-  }
-}
-
-/// Drops the responses that are not marked as used.
-void RemoveUnusedResponses(SampleTable& samples, const std::map<std::wstring, bool>& usage) {
-  math::Index kept = 0;
-  for (math::Index column = 0; column < samples.responses.cols(); ++column) {
-    const std::wstring name = samples.response_names[static_cast<std::size_t>(column)];
-    const auto entry = usage.find(name);
-    if (entry == usage.end() || !entry->second) continue;
-    if (kept != column) samples.responses.col(kept) = samples.responses.col(column);
-    samples.response_names[static_cast<std::size_t>(kept++)] = name;
-  }
-  samples.responses.conservativeResize(Eigen::NoChange, kept);
-  samples.response_names.resize(static_cast<std::size_t>(kept));
-}
-
-Limits SampledRanges(const math::Matrix& samples) {
-  Limits ranges;
-  for (math::Index column = 0; column < samples.cols(); ++column) {
-    ranges.emplace_back(samples.col(column).minCoeff(), samples.col(column).maxCoeff());
-  }
-  return ranges;
-}
-
-Limits WidenedRanges(Limits ranges) {
-  for (auto& [lower, upper] : ranges) {
-    const double margin = kBoundsAdjustment * (upper - lower);
-    lower -= margin;
-    upper += margin;
-  }
-  return ranges;
-}
-
-/// Smallest and largest finite value; the infinities in reverse order if there is none.
-std::pair<double, double> FiniteRange(const math::VectorIn& values) {
-  std::pair<double, double> range(std::numeric_limits<double>::infinity(), -std::numeric_limits<double>::infinity());
-  for (const double value : values) {
-    if (!std::isfinite(value)) continue;
-    range.first = std::min(range.first, value);
-    range.second = std::max(range.second, value);
-  }
-  return range;
-}
-
-/// The names, ranges and abilities of the samples beside the choices that the caller made.
-ZORData DescribeData(const SampleTable& samples, ZORData data) {
-  data.SetParameters(samples.parameter_names);
-  data.SetResponses(samples.response_names);
-  for (std::size_t i = 0; i < samples.response_names.size(); ++i) {
-    const std::wstring& name = samples.response_names[i];
-    data.responses_boundaries_[name] = FiniteRange(samples.responses.col(static_cast<math::Index>(i)));
-    data.responses_zorability_[name] = true;  // a scalar response; without a valid value its task tells
-  }
-  return data;
-}
+constexpr LogLevel kAllLevels[] = {LogLevel::kError,       LogLevel::kDebug, LogLevel::kWarning,
+                                   LogLevel::kInformation, LogLevel::kTrace, LogLevel::kDetailedInformation};
 
 std::wstring ErrorLines(const utils::log::VectorLog& log) {
   std::wstring lines;
   for (const auto& [level, text] : log.GetEntries()) {
-    if (level == utils::log::LogLevel::kError) lines += text + L"\n";
+    if (level == LogLevel::kError) lines += (lines.empty() ? L"" : L"\n") + text;
   }
   return lines;
+}
+
+/// The messages of one task, kept apart until its response is collected. Levels that nobody reads are not composed.
+struct TaskLog {
+  explicit TaskLog(const LogBase& target) {
+    int mask = 0;
+    for (const LogLevel level : kAllLevels) mask |= target.Accepts(level) ? static_cast<int>(level) : 0;
+    filter = std::make_shared<utils::log::LevelFilterLog>(messages, mask);
+  }
+
+  std::shared_ptr<utils::log::VectorLog> messages = std::make_shared<utils::log::VectorLog>();
+  std::shared_ptr<LogBase> filter;
+};
+
+std::pair<double, double> BoundsOf(const algorithm::datatypes::Parameter& parameter) {
+  constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
+  if (!parameter.HasBounds()) return {kNan, kNan};
+  return {ConvertDesignpointEntry<double>(parameter.GetLowerBound()),
+          ConvertDesignpointEntry<double>(parameter.GetUpperBound())};
+}
+
+/// Drops what the record does not keep: designs that did not count, responses of the black list, parameters that took
+/// no part.
+void RemoveUnused(algorithm::datatypes::DesignManager& designs, const std::vector<math::Index>& rows,
+                  const std::vector<std::wstring>& black_list,
+                  const algorithm::datatypes::ParameterManager& parameters) {
+  if (rows.size() < designs.size()) {
+    std::vector<bool> counts(designs.size(), false);
+    for (const math::Index row : rows) counts[static_cast<std::size_t>(row)] = true;
+    const Design* const first = &designs[0];
+    std::vector<Design> kept;
+    for (Design& design : designs) {
+      if (counts[static_cast<std::size_t>(&design - first)]) kept.push_back(std::move(design));
+    }
+    designs = algorithm::datatypes::DesignManager(std::move(kept));
+  }
+  std::vector<std::wstring> unused;
+  for (const auto& [name, value] : designs[0].GetParameters().GetSequence()) {
+    if (parameters.ContainsParameter(name) == 0) unused.push_back(name);
+  }
+  if (unused.empty() && black_list.empty()) return;
+  for (Design& design : designs) {
+    CDesignEntrySequence values = design.GetParameters();
+    for (const std::wstring& name : unused) values.Remove(name);
+    design.SetParametersUnsafe(std::move(values));
+    CDesignEntrySequence responses = design.GetResponses();
+    for (const std::wstring& name : black_list) responses.Remove(name);
+    design.OverrideResponses(std::move(responses));
+  }
 }
 
 }  // namespace
@@ -104,64 +94,40 @@ void DefaultProgressCallable(double) {}
 
 /// What the caller's thread waits for.
 struct CZORHandler::PendingResponse {
-  PendingResponse(std::wstring response_name, ZorTask& task)
+  PendingResponse(std::wstring response_name, ZorTask& task, TaskLog task_log)
       : name(std::move(response_name)),
+        log(std::move(task_log)),
         result(task.GetResultsFuture()),
         surrogate(task.GetBestSurrogateFuture()),
         cv_indices(task.GetCVIndicesFuture()),
         unused_indices(task.GetUnusedIndicesFuture()) {}
 
+  /// Waits for the task, whose log has then its last message.
+  void Wait() const {
+    unused_indices.wait();
+    result.wait();
+    surrogate.wait();
+    cv_indices.wait();
+  }
+
   std::wstring name;
+  TaskLog log;
   std::future<math::metamodel::SubspaceResults> result;
   std::future<std::shared_ptr<math::metamodel::SurrogateBase>> surrogate;
   std::future<math::metamodel::Subsets> cv_indices;
   std::future<math::IndexVector> unused_indices;
 };
 
-CZORHandler::CZORHandler(std::shared_ptr<utils::log::LogBase> log, SampleTable samples, ZORCombinedSettings settings)
-    : log_(std::move(log)), samples_(std::move(samples)), settings_(std::move(settings)) {
-  SetData();
-}
-
-void CZORHandler::SetData() {
-  RequireFiniteInputs(samples_.parameters);
-  utils::log::VectorLog messages;
-  const bool usable = PrepareData(messages);
-  messages.Forward(*log_);
-  if (!usable) throw utils::runtime_error(ErrorLines(messages) + L"Given data is invalid.");
-}
-
-bool CZORHandler::PrepareData(utils::log::LogBase& log) {
-  const auto refuse = [&log](const wchar_t* reason) {
-    log.Error() << reason;
-    return false;
-  };
-  if (!settings_.Check(log, false)) return refuse(L"Incorrect settings given.");
-  settings_.SetZORData(DescribeData(samples_, settings_.GetZORData()));
-  RemoveUnusedResponses(samples_, settings_.GetResponsesUsage());
-  if (samples_.parameters.rows() < kMinDesigns) {
-    return refuse(L"There are not enough designs for ZOR. Need at least 2 designs.");
-  }
-  if (samples_.response_names.empty()) return refuse(L"There are no responses a ZOR can be found for.");
-  if (samples_.parameter_names.empty()) return refuse(L"There are no parameters a ZOR can be found for.");
-
-  information_.parameter_names_ = samples_.parameter_names;
-  information_.sampling_limits_ = SampledRanges(samples_.parameters);
-  information_.defined_limits_ = WidenedRanges(information_.sampling_limits_);
-  return true;
-}
-
-bool CZORHandler::Check(utils::log::LogBase& log) const {
+bool CZORHandler::Check(LogBase& log) const {
   if (!settings_.Check(log, true)) {
     log.Error() << L"Invalid settings.";
     return false;
   }
   if (!settings_.WriteCVValues()) return true;
   bool good = true;
-  const CDesignEntrySequence& all = settings_.GetZORData().responses_;
-  for (const std::wstring& name : samples_.response_names) {
+  for (const std::wstring& name : response_names_) {
     const std::wstring values_name = name + settings_.CVValuesSuffix();
-    if (!all.Contains(values_name)) continue;
+    if (!settings_.GetZORData().responses_.Contains(values_name)) continue;
     log.Error() << L"Response " << values_name
                 << L" does already exist but would be the name of a cross valdiation value. "
                    L"Please change the cross validation suffix.";
@@ -170,68 +136,197 @@ bool CZORHandler::Check(utils::log::LogBase& log) const {
   return good;
 }
 
-void CZORHandler::Build() {
-  progress_(0.0);
+void CZORHandler::RequireCheck(LogBase& log) const {
   utils::log::VectorLog messages;
   const bool good = Check(messages);
-  messages.Forward(*log_);
-  if (!good) {
-    std::wstring lines = ErrorLines(messages);
-    lines.pop_back();
-    throw utils::runtime_error(lines);
-  }
-
-  const auto workers = std::min<std::uint64_t>(settings_.NumResponsesParallel(), samples_.response_names.size());
-  ZORTaskPool pool(workers);  // its end joins the threads, however the build ends
-  try {
-    std::vector<PendingResponse> responses = ScheduleResponses(pool);
-    CollectResponses(responses);
-  } catch (...) {
-    RequestStop();  // the other tasks need not come to their end
-    throw;
-  }
+  messages.Forward(log);
+  if (!good) throw utils::runtime_error(ErrorLines(messages));
 }
 
-std::vector<CZORHandler::PendingResponse> CZORHandler::ScheduleResponses(ZORTaskPool& pool) const {
+void CZORHandler::Build() {
+  progress_(0.0);
+  const std::shared_ptr<LogBase> log = InitializeAlgorithmLog();
+  RequireCheck(*log);
+  PrepareInformation();
+  SaveSamplingInformation(parameters_, points_.rows(), SamplingBounds(), *log);
+
+  const auto workers = std::min<std::uint64_t>(settings_.NumResponsesParallel(), response_names_.size());
+  if (settings_.GetSettingsType() == eSettingsType::kAutomatic) {
+    log->Information() << L"Calculating " << workers << L" responses in parallel.";
+    log->Information() << L"Max. responses in parallel: " << settings_.NumResponsesParallel();
+  }
+  {
+    ZORTaskPool pool(workers);  // its end joins the threads, however the build ends
+    try {
+      std::vector<PendingResponse> responses = ScheduleResponses(pool, *log);
+      CollectResponses(responses, *log);
+    } catch (...) {
+      RequestStop();  // the other tasks need not come to their end
+      throw;
+    }
+  }
+  PrintResults(*log);
+  FinishRecord();
+}
+
+std::shared_ptr<LogBase> CZORHandler::InitializeAlgorithmLog() const {
+  const ZORAdvancedSettings advanced = settings_.ExtractAdvancedSettingsByType();
+  if (!advanced.log_in_file_) return log_;
+  const auto file = std::make_shared<utils::log::BasicFileStreamLog>(advanced.log_file_path_);
+  return std::make_shared<utils::log::LogMulti>(std::vector<std::shared_ptr<LogBase>>{log_, file});
+}
+
+CZORHandler::Bounds CZORHandler::SamplingBounds() const {
+  Bounds bounds;
+  for (math::Index column = 0; column < points_.cols(); ++column) {
+    bounds.emplace_back(points_.col(column).minCoeff(), points_.col(column).maxCoeff());
+  }
+  return bounds;
+}
+
+/// What the record tells of the run beside its designs; the models follow.
+void CZORHandler::PrepareInformation() {
+  AlgorithmInfo& algorithm = *lyra_.GetAlgorithmInfo();
+  ZORInformation fresh;
+  fresh.SetSamplingType(algorithm.GetSamplingType());
+  fresh.parameter_manager_ = GetAdaptedZORParameterManager();
+  fresh.parameter_names_ = input_names_;
+  fresh.sampling_limits_ = SamplingBounds();
+  for (const std::wstring& name : input_names_) {
+    fresh.defined_limits_.push_back(BoundsOf(fresh.parameter_manager_.GetParameter(name)));
+  }
+  fresh.calculated_models_ = std::make_shared<SubspaceResultContainer>();
+  fresh.best_models_ = std::make_shared<SubspaceResultContainer>();
+  lyra_.GetAlgorithmInfo()->SetDetailedInfo(boost::make_shared<ZORInformation>(std::move(fresh)));
+  lyra_.GetAlgorithmInfo()->SetCombinedZORSettings(settings_);
+}
+
+CZORHandler::ZORInformation& CZORHandler::GetInformation() {
+  ZORInformation* const information = lyra_.GetAlgorithmInfo() ? lyra_.GetAlgorithmInfo()->GetZORInfo() : nullptr;
+  if (information == nullptr) throw utils::runtime_error(L"Unable to set surrogate information.");
+  return *information;
+}
+
+std::vector<CZORHandler::PendingResponse> CZORHandler::ScheduleResponses(ZORTaskPool& pool, LogBase& log) {
   const boost::this_thread::disable_interruption no_interruption;
-  const auto inputs = std::make_shared<const math::Matrix>(samples_.parameters);
+  const auto inputs = std::make_shared<const math::Matrix>(points_);
   const std::vector<std::uint64_t> importance = GetParameterImportance();
   const math::metamodel::ZORSettings search_settings = GetSearchSettings();
   const std::uint64_t root_seed = math::random::DrawSharedSeed();
 
   std::vector<PendingResponse> responses;
-  for (std::size_t i = 0; i < samples_.response_names.size(); ++i) {
-    const std::wstring& name = samples_.response_names[i];
+  for (std::size_t i = 0; i < response_names_.size(); ++i) {
+    const std::wstring& name = response_names_[i];
+    TaskLog task_log(log);
     const auto request = std::make_shared<ZorTask::ZorRequest>(stop_request_);
     request->inputs = inputs;
-    request->output = samples_.responses.col(static_cast<math::Index>(i));
+    request->output = values_.col(static_cast<math::Index>(i));
     request->important_info = importance;
     request->settings = search_settings;
-    request->task_log = log_;
-    request->search_log = log_;
+    request->task_log = task_log.filter;
+    request->search_log = task_log.filter;
     request->stop_helper = stop_helper_;
-    request->names = samples_.parameter_names;
+    request->subspace_results = GetInformation().calculated_models_;
+    request->names = input_names_;
     request->response_name = name;
     // A stream of its own by position: the result does not depend on which worker comes first.
     request->generator = math::random::MakeStream(root_seed, i);
     const auto task = std::make_shared<ZorTask>(request);
-    responses.emplace_back(name, *task);
+    responses.emplace_back(name, *task, std::move(task_log));
     CheckStopRequested();
     pool.Schedule([task] { (*task)(); });
   }
   return responses;
 }
 
-void CZORHandler::CollectResponses(std::vector<PendingResponse>& responses) {
+void CZORHandler::CollectResponses(std::vector<PendingResponse>& responses, LogBase& log) {
   std::size_t finished = 0;
   for (PendingResponse& response : responses) {
-    response.unused_indices.get();  // the failure of a task that has no valid values comes first
-    const math::metamodel::SubspaceResults result = response.result.get();
-    information_.surrogate_infos_.AddSurrogateInfo(SurrogateInfo(response.name, response.surrogate.get(), result));
-    information_.cv_indexes_[response.name] = response.cv_indices.get();
-    log_->Information() << L"Finished evaluation of response " << response.name;
+    response.Wait();
+    response.log.messages->Forward(log);
+    CollectResponse(response);
+    log.Information() << L"Finished evaluation of response " << response.name;
     progress_(static_cast<double>(++finished) / static_cast<double>(responses.size()));
   }
+}
+
+void CZORHandler::CollectResponse(PendingResponse& response) {
+  std::vector<bool> is_used(rows_.size(), true);
+  // The failure of a task that has no valid values comes first.
+  for (const std::uint64_t row : response.unused_indices.get()) is_used[row] = false;
+  const std::shared_ptr<math::metamodel::SurrogateBase> surrogate = response.surrogate.get();
+  models_.push_back({response.name, response.result.get(), surrogate});
+  ZORInformation& information = GetInformation();
+  math::metamodel::Subsets cv_indices = response.cv_indices.get();
+  if (settings_.WriteCVValues()) AddCVValues(models_.back(), cv_indices, is_used);
+  information.cv_indexes_[response.name] = std::move(cv_indices);
+  information.best_models_->AddSubspaceResult(response.name, models_.back().result);
+  AddSurrogateInfo(models_.back(), surrogate, is_used);
+}
+
+void CZORHandler::AddSurrogateInfo(const ReportedModel& model,
+                                   const std::shared_ptr<math::metamodel::SurrogateBase>& surrogate,
+                                   const std::vector<bool>& is_used) {
+  SurrogateInfo info(model.response, surrogate, model.result, input_names_);
+  for (const auto& [response, pieces] : components_) {
+    const auto piece = std::find(pieces.begin(), pieces.end(), model.response);
+    if (piece == pieces.end() || (pieces.size() == 1 && pieces[0] == response)) continue;
+    info = SurrogateInfo(response, surrogate, model.result, input_names_);
+    info.SetComponent(static_cast<std::uint64_t>(piece - pieces.begin()));
+    break;
+  }
+  info.SetTestingType(GetSearchSettings().testing_type_);
+  std::vector<CHierachicalId> used;
+  const auto& designs = std::as_const(lyra_).GetDesignContainer();
+  for (std::size_t i = 0; i < rows_.size(); ++i) {
+    if (is_used[i]) used.push_back(designs[static_cast<std::size_t>(rows_[i])].GetId());
+  }
+  info.SetUsedHIds(std::move(used));
+  GetInformation().GetNonConstSurrogateInfos().AddSurrogateInfo(std::move(info));
+}
+
+/// Adds the cross-validation values as a response of its own; designs that the model did not use get no value.
+void CZORHandler::AddCVValues(const ReportedModel& model, const math::metamodel::Subsets& cv_indices,
+                              const std::vector<bool>& is_used) {
+  if (!model.surrogate) return;
+  const math::Vector values = model.surrogate->ApproximateCrossValidation(cv_indices);
+  const std::wstring name = model.response + settings_.CVValuesSuffix();
+  auto& designs = lyra_.GetDesignContainer();
+  math::Index next = 0;
+  for (std::size_t i = 0; i < rows_.size(); ++i) {
+    CDesignEntry entry;
+    if (is_used[i]) entry = values[next++];
+    designs[static_cast<std::size_t>(rows_[i])].OverrideResponse(name, std::move(entry));
+  }
+  GetInformation().response_to_cv_mapping_[model.response] = name;
+}
+
+void CZORHandler::PrintResults(LogBase& log) {
+  ZORInformation& information = GetInformation();
+  const bool is_cv = GetSearchSettings().testing_type_ == math::metamodel::TestingType::kCrossValidation;
+  PrintBestMetamodels(models_, is_cv, log);
+  PrintPolynomialInfo(models_, log);
+  const auto frequencies = RelativeFrequencyOfImportance(models_, input_names_);
+  information.relative_freq_of_importance_ = {frequencies.begin(), frequencies.end()};
+  PrintRelativeFrequencyOfImportance(frequencies, log);
+  if (!settings_.ExtractAdvancedSettingsByType().write_function_string_) return;
+  for (const ReportedModel& model : models_) {
+    if (model.result.model_type != math::metamodel::ModelType::kPolynomial || !model.surrogate) continue;
+    information.function_strings_[model.response] = model.surrogate->GetFunctionStr(input_names_);
+  }
+  PrintRegressionFunctions(information.function_strings_, log);
+}
+
+void CZORHandler::FinishRecord() {
+  Designs designs = std::move(lyra_.GetDesignContainer());
+  std::vector<std::wstring> unused = black_list_;
+  for (const auto& [response, values] : GetInformation().response_to_cv_mapping_) {
+    unused.erase(std::remove(unused.begin(), unused.end(), values), unused.end());  // written anew by this run
+  }
+  RemoveUnused(designs, rows_, unused, parameters_);
+  designs = algorithm::datatypes::sortByParameterOrder(std::move(designs), parameters_);
+  designs.SetDesignsDone(true);
+  lyra_.SetDesignContainer(std::move(designs));
 }
 
 void CZORHandler::RequestStop() {
@@ -244,10 +339,10 @@ void CZORHandler::CheckStopRequested() const {
 }
 
 std::vector<std::uint64_t> CZORHandler::GetParameterImportance() const {
-  std::vector<std::uint64_t> importance(samples_.parameter_names.size(), 1);
+  std::vector<std::uint64_t> importance(input_names_.size(), 1);
   const auto& given = settings_.GetParameterImportance();
   for (std::size_t i = 0; i < importance.size(); ++i) {
-    const auto entry = given.find(samples_.parameter_names[i]);
+    const auto entry = given.find(input_names_[i]);
     if (entry != given.end()) importance[i] = entry->second;
   }
   return importance;

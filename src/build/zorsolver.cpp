@@ -1,15 +1,44 @@
 #include "build/zorsolver.h"
 
+#include <algorithm>
 #include <boost/format.hpp>
 #include <limits>
+#include <map>
 
+#include "datatypes/design_matrices.h"
+#include "datatypes/design_responses.h"
+#include "persistence/archive/archives.h"
 #include "support/exceptions.h"
+#include "support/strings.h"
 
 namespace kestrel::zor {
 namespace {
 
+using algorithm::datatypes::DesignManager;
+using algorithm::datatypes::LYRA;
+using algorithm::datatypes::SurrogateInfoContainer;
+using algorithm::datatypes::ZORInformation;
 using enums::eExtrapolationTypes;
 using math::metamodel::SurrogateBase;
+
+/// The details of a metamodel run; null in a record without them.
+ZORInformation* InformationOf(const LYRA& lyra) {
+  const auto& algorithm = lyra.GetAlgorithmInfo();
+  return algorithm ? algorithm->GetZORInfo() : nullptr;
+}
+
+using Bounds = std::pair<double, double>;
+
+/// The bounds of the names, in their order; infinite where there are none.
+std::vector<Bounds> BoundsOf(const std::vector<std::wstring>& names, const std::map<std::wstring, Bounds>& bounds) {
+  constexpr double kInfinity = std::numeric_limits<double>::infinity();
+  std::vector<Bounds> ordered;
+  for (const std::wstring& name : names) {
+    const auto entry = bounds.find(name);
+    ordered.push_back(entry == bounds.end() ? Bounds(-kInfinity, kInfinity) : entry->second);
+  }
+  return ordered;
+}
 
 const SurrogateBase& UsableSurrogate(const algorithm::datatypes::SurrogateInfo* info) {
   if (info == nullptr || !info->GetSurrogate()) {
@@ -25,13 +54,92 @@ ZORSolver::ZORSolver(bool keep_log) : kept_log_(std::make_shared<utils::log::Vec
   if (!keep_log) log_ = std::make_shared<utils::log::LogDummy>();
 }
 
-void ZORSolver::InitializeSolver(algorithm::datatypes::ZORInformation information) {
-  information_ = std::move(information);
-  algorithm::datatypes::SurrogateInfoContainer& infos = information_.surrogate_infos_;
+void ZORSolver::InitializeSolver(LYRA lyra, const std::filesystem::path& path) {
+  lyra_ = std::move(lyra);
+  if (!path.empty()) log_->Debug() << L"Models of " << string::widen(path.u8string());
+  InitializeSolver();
+}
+
+void ZORSolver::InitializeSolver() {
+  ZORInformation* const information = InformationOf(lyra_);
+  if (information == nullptr) return;
+  derived_ = Derive(lyra_, *information);
+  SurrogateInfoContainer& infos = information->GetNonConstSurrogateInfos();
   if (!infos.CheckSurrogatesAvailability(*log_)) return;  // those are refused when they are to be evaluated
   infos.SetLog(log_);
-  infos.Build(information_.cv_indexes_);
-  infos.BuildErrors(information_.cv_indexes_);
+  infos.Build(information->GetCVIndexes());
+  infos.BuildErrors(information->GetCVIndexes());
+}
+
+ZORSolver::DerivedState ZORSolver::Derive(const LYRA& lyra, const ZORInformation& information) {
+  DerivedState derived;
+  derived.parameter_names = lyra.GetParameterNames();
+  derived.response_names = information.GetResponseNames();
+  const auto& names = derived.parameter_names;
+  if (information.parameter_names_ != names) {
+    for (const std::wstring& name : information.parameter_names_) {
+      const auto position = std::find(names.begin(), names.end(), name);
+      if (position == names.end()) throw utils::runtime_error(L"Parameter \"" + name + L"\" is not in the designs.");
+      derived.inputs.push_back(position - names.begin());
+    }
+  }
+  derived.sampling_bounds = BoundsOf(names, lyra.GetParameterSamplingBounds());
+  derived.parameter_bounds = BoundsOf(names, lyra.GetParameterBounds());
+  return derived;
+}
+
+const SurrogateInfoContainer& ZORSolver::GetSurrogateInfos() const {
+  static const SurrogateInfoContainer kNone;
+  const ZORInformation* const information = InformationOf(lyra_);
+  return information == nullptr ? kNone : information->GetSurrogateInfos();
+}
+
+SurrogateInfoContainer& ZORSolver::GetNonConstSurrogateInfos() {
+  ZORInformation* const information = InformationOf(lyra_);
+  if (information == nullptr) throw utils::runtime_error(L"ZOR information missing.");
+  return information->GetNonConstSurrogateInfos();
+}
+
+std::vector<std::wstring> ZORSolver::GetCriteriaNames() const {
+  std::vector<std::wstring> names;
+  for (const auto& [name, criterion] : lyra_.GetCriteria()) names.push_back(name);
+  return names;
+}
+
+math::Matrix ZORSolver::DesignsToRequestMatrix(const DesignManager& designs) const {
+  return algorithm::datatypes::ConvertParametersToMatrix(designs, derived_.parameter_names);
+}
+
+void ZORSolver::InitializeLog() {
+  const bool keeps = log_ == kept_log_;
+  kept_log_ = std::make_shared<utils::log::VectorLog>();
+  if (keeps) log_ = kept_log_;
+}
+
+DesignManager ZORSolver::Approximate(const DesignManager& designs, eExtrapolationTypes type, bool throwing) const {
+  DesignManager approximated = designs;
+  approximated.ClearResponses();
+  approximated.ClearCriteria();
+  if (designs.empty()) return approximated;
+  const math::Matrix values = ApproximateDesigns(DesignsToRequestMatrix(designs), type, throwing);
+  if (values.size() == 0) return approximated;
+  for (std::size_t row = 0; row < approximated.size(); ++row) {
+    for (std::size_t k = 0; k < derived_.response_names.size(); ++k) {
+      approximated[row].AddResponse(derived_.response_names[k],
+                                    values(static_cast<math::Index>(row), static_cast<math::Index>(k)));
+    }
+    approximated[row].SetApproximated(true);
+  }
+  algorithm::datatypes::compressResponses(approximated);
+  approximated.SetDesignsDone(true);
+  return approximated;
+}
+
+template <class Work>
+math::Matrix ZORSolver::OnInputs(const math::MatrixIn& points, Work&& work) const {
+  if (derived_.inputs.empty()) return work(points);
+  const math::Matrix inputs = points(Eigen::all, derived_.inputs);
+  return work(inputs);
 }
 
 math::Matrix ZORSolver::ApproximateDesigns(const math::MatrixIn& points, bool extrapolate, bool throwing) const {
@@ -41,24 +149,25 @@ math::Matrix ZORSolver::ApproximateDesigns(const math::MatrixIn& points, bool ex
 
 math::Matrix ZORSolver::ApproximateDesigns(const math::MatrixIn& points, eExtrapolationTypes type,
                                            bool throwing) const {
-  const auto& infos = information_.surrogate_infos_.GetInfos();
+  const auto& infos = GetSurrogateInfos().GetInfos();
   if (infos.empty()) throw utils::runtime_error(L"Approximation impossible due to missing meta models.");
   if (!HasInputColumns(points) || BoundariesViolated(points, type, throwing)) return math::Matrix();
-
-  math::Matrix responses(points.rows(), static_cast<math::Index>(infos.size()));
-  if (points.rows() == 0) return responses;
-  for (std::size_t i = 0; i < infos.size(); ++i) {
-    auto column = responses.col(static_cast<math::Index>(i));
-    const math::Vector values = UsableSurrogate(&infos[i]).Approximate(points);
-    if (values.size() == points.rows()) {
-      column = values;
-    } else {
-      log_->Error() << L"Approximation for response \"" << infos[i].GetResponseName()
-                    << L"\" failed with incorrect result size.";
-      column.setConstant(std::numeric_limits<double>::quiet_NaN());
+  if (points.rows() == 0) return math::Matrix(0, static_cast<math::Index>(infos.size()));
+  return OnInputs(points, [&](const math::MatrixIn& inputs) {
+    math::Matrix responses(inputs.rows(), static_cast<math::Index>(infos.size()));
+    for (std::size_t i = 0; i < infos.size(); ++i) {
+      const math::Vector values = UsableSurrogate(&infos[i]).Approximate(inputs);
+      auto column = responses.col(static_cast<math::Index>(i));
+      if (values.size() == inputs.rows()) {
+        column = values;
+      } else {
+        log_->Error() << L"Approximation for response \"" << infos[i].GetResponseComponentName()
+                      << L"\" failed with incorrect result size.";
+        column.setConstant(std::numeric_limits<double>::quiet_NaN());
+      }
     }
-  }
-  return responses;
+    return responses;
+  });
 }
 
 math::Matrix ZORSolver::ApproximateGradientsPerResponse(const math::MatrixIn& points, const std::wstring& response,
@@ -80,13 +189,13 @@ math::Matrix ZORSolver::ApproximateErrorsPerResponse(const math::MatrixIn& point
 math::Matrix ZORSolver::DoForOne(const std::wstring& response, const Evaluation& evaluation,
                                  const math::MatrixIn& points, eExtrapolationTypes type, bool throwing) const {
   if (!HasInputColumns(points) || BoundariesViolated(points, type, throwing)) return math::Matrix();
-  const SurrogateBase& surrogate =
-      UsableSurrogate(information_.surrogate_infos_.GetSurrogateInfoByComponentName(response));
-  return points.rows() == 0 ? math::Matrix() : evaluation(surrogate, points);
+  const SurrogateBase& surrogate = UsableSurrogate(GetSurrogateInfos().GetSurrogateInfoByComponentName(response));
+  if (points.rows() == 0) return math::Matrix();
+  return OnInputs(points, [&](const math::MatrixIn& inputs) { return evaluation(surrogate, inputs); });
 }
 
 bool ZORSolver::HasInputColumns(const math::MatrixIn& points) const {
-  const std::size_t expected = information_.parameter_names_.size();
+  const std::size_t expected = derived_.parameter_names.size();
   if (static_cast<std::size_t>(points.cols()) == expected) return true;
   log_->Error() << expected << L" input columns expected.";
   return false;
@@ -94,8 +203,8 @@ bool ZORSolver::HasInputColumns(const math::MatrixIn& points) const {
 
 const ZORSolver::Limits& ZORSolver::GetLimits(eExtrapolationTypes type) const {
   switch (type) {
-    case eExtrapolationTypes::kParameterBounds: return information_.defined_limits_;
-    case eExtrapolationTypes::kSamplingBounds: return information_.sampling_limits_;
+    case eExtrapolationTypes::kParameterBounds: return derived_.parameter_bounds;
+    case eExtrapolationTypes::kSamplingBounds: return derived_.sampling_bounds;
     default: throw utils::runtime_error(L"Extrapolation type is not defined.");
   }
 }
@@ -108,7 +217,7 @@ bool ZORSolver::BoundariesViolated(const math::MatrixIn& points, eExtrapolationT
       const auto [lower, upper] = limits.at(static_cast<std::size_t>(column));
       const double value = points(row, column);
       if (value >= lower && value <= upper) continue;
-      const std::wstring& name = information_.parameter_names_[static_cast<std::size_t>(column)];
+      const std::wstring& name = derived_.parameter_names[static_cast<std::size_t>(column)];
       const std::wstring message =
           (boost::wformat(L"Value %g of Parameter %s violates bounds: [%g, %g]") % value % name % lower % upper).str();
       if (throwing) throw utils::runtime_error(message);
@@ -119,4 +228,12 @@ bool ZORSolver::BoundariesViolated(const math::MatrixIn& points, eExtrapolationT
   return false;
 }
 
+template <class Archive>
+void ZORSolver::serialize(Archive& archive, unsigned int) {
+  archive& boost::serialization::make_nvp("lyra_", lyra_);
+}
+
 }  // namespace kestrel::zor
+
+KESTREL_INSTANTIATE_SERIALIZE(kestrel::zor::ZORSolver)
+BOOST_CLASS_EXPORT_IMPLEMENT(kestrel::zor::ZORSolver)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cmath>
 #include <cstdint>
 #include <limits>
 
@@ -20,7 +21,8 @@ class AppraisalData {
   /// Grows the vector to hold `index`; new entries are NaN.
   void SetSingleCoP(std::uint64_t index, double value);
 
-  /// Raises utils::runtime_error "CoP is not valid." while it is NaN.
+  bool HasCoP() const { return !std::isnan(cop_); }
+  /// Raises utils::runtime_error "CoP is not valid." without one.
   double GetCoP() const;
   double GetCoD() const { return cod_; }
   double GetCoDAdj() const { return codadj_; }

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <boost/numeric/ublas/vector.hpp>
+
 #include <limits>
 #include <ostream>
 #include <sstream>
@@ -9,6 +11,8 @@
 #include "build/samples.h"
 #include "support/exceptions.h"
 #include "support/matrix_compare.h"
+#include "support/strings.h"
+#include "support/temporary_folder.h"
 
 namespace kestrel::zor {
 namespace {
@@ -16,9 +20,12 @@ namespace {
 using algorithm::datatypes::ZORInformation;
 using math::Matrix;
 using math::Vector;
+using testing::InformationOf;
+using testing::MakeHandler;
 using testing::MakeSamples;
 using testing::MakeSettings;
 using testing::MatrixNear;
+using testing::SampleTable;
 
 constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
 constexpr double kInf = std::numeric_limits<double>::infinity();
@@ -29,8 +36,7 @@ std::shared_ptr<utils::log::LogBase> NoLog() { return std::make_shared<utils::lo
 /// The text of the failure of a handler that is made and, if it could be, built; empty if all went well.
 std::string FailureOf(const SampleTable& samples, const ZORCombinedSettings& settings) {
   try {
-    CZORHandler handler(NoLog(), samples, settings);
-    handler.Build();
+    MakeHandler(NoLog(), samples, settings)->Build();
     return "";
   } catch (const std::exception& error) {
     return error.what();
@@ -38,9 +44,9 @@ std::string FailureOf(const SampleTable& samples, const ZORCombinedSettings& set
 }
 
 ZORInformation BuildWith(const SampleTable& samples, const ZORCombinedSettings& settings) {
-  CZORHandler handler(NoLog(), samples, settings);
-  handler.Build();
-  return handler.GetZORInformation();
+  const auto handler = MakeHandler(NoLog(), samples, settings);
+  handler->Build();
+  return InformationOf(handler->GetLYRA());
 }
 
 struct RefusalCase {
@@ -139,7 +145,7 @@ TEST(Handler, GathersTheModelsInTheOrderOfTheUsedResponses) {
 
   EXPECT_EQ(information.parameter_names_, samples.parameter_names);
   EXPECT_EQ(information.GetResponseNames(), (std::vector<std::wstring>{L"r0", L"r2"}));
-  const auto& infos = information.surrogate_infos_.GetInfos();
+  const auto& infos = information.GetSurrogateInfos().GetInfos();
   ASSERT_EQ(infos.size(), 2u);
   EXPECT_EQ(infos[0].GetResponseName(), L"r0");
   EXPECT_EQ(infos[1].GetResponseName(), L"r2");
@@ -153,14 +159,23 @@ TEST(Handler, TakesTheBoundsFromAllDesigns) {
   samples.parameters(3, 0) = -1.0;
   samples.parameters(4, 0) = 2.0;
   samples.responses(3, 0) = kNan;  // bounds are those of the table, not of one response
-  CZORHandler handler(NoLog(), samples, MakeSettings(samples));
-  const ZORInformation& information = handler.GetZORInformation();
+  ZORAdvancedSettings advanced;
+  advanced.adapt_bounds_ = false;
+  const auto handler = MakeHandler(NoLog(), samples, MakeSettings(samples, advanced));
+  handler->Build();
+  const ZORInformation& information = InformationOf(handler->GetLYRA());
   EXPECT_EQ(information.sampling_limits_[0], std::make_pair(-1.0, 2.0));
   EXPECT_EQ(information.sampling_limits_[1].second, samples.parameters.col(1).maxCoeff());
   EXPECT_NEAR(information.defined_limits_[0].first, -1.3, 1e-12);
   EXPECT_NEAR(information.defined_limits_[0].second, 2.3, 1e-12);
-  const auto range = handler.GetSettings().GetZORData().responses_boundaries_.at(L"r0");
+  const auto range = handler->GetSettings().GetZORData().responses_boundaries_.at(L"r0");
   EXPECT_TRUE(std::isfinite(range.first) && range.first < range.second);
+
+  advanced.adapt_bounds_ = true;
+  advanced.adapt_bounds_safety_factor_ = 0.5;
+  const auto bounds = BuildWith(samples, MakeSettings(samples, advanced)).defined_limits_[0];
+  EXPECT_NEAR(bounds.first, -2.5, 1e-12);
+  EXPECT_NEAR(bounds.second, 3.5, 1e-12);
 }
 
 TEST(Handler, PassesTheImportanceOfEachParameter) {
@@ -181,7 +196,7 @@ TEST(Handler, LimitsThePredictionsIfTheSettingsHoldLimits) {
   ZORCombinedSettings settings = MakeSettings(samples);
   const auto largest = [&] {
     const ZORInformation information = BuildWith(samples, settings);
-    return information.surrogate_infos_.GetInfos()[0].GetSurrogate()->Approximate(samples.parameters).maxCoeff();
+    return information.GetSurrogateInfos().GetInfos()[0].GetSurrogate()->Approximate(samples.parameters).maxCoeff();
   };
   EXPECT_GT(largest(), 1.5);
   settings.SetLimits({-kInf, 1.5});
@@ -191,9 +206,9 @@ TEST(Handler, LimitsThePredictionsIfTheSettingsHoldLimits) {
 TEST(Handler, ReportsTheFractionFinished) {
   std::vector<double> fractions;
   const SampleTable samples = MakeSamples(20, 2, 4);
-  CZORHandler handler(NoLog(), samples, MakeSettings(samples));
-  handler.SetProgressCallable([&](double fraction) { fractions.push_back(fraction); });
-  handler.Build();
+  const auto handler = MakeHandler(NoLog(), samples, MakeSettings(samples));
+  handler->SetProgressCallable([&](double fraction) { fractions.push_back(fraction); });
+  handler->Build();
   EXPECT_EQ(fractions, (std::vector<double>{0.0, 0.25, 0.5, 0.75, 1.0}));
 }
 
@@ -201,9 +216,134 @@ TEST(Handler, TellsTheLogWhatItRefuses) {
   std::wostringstream text;
   SampleTable samples = MakeSamples(10, 2, 1);
   KeepRows(samples, 1);
-  EXPECT_THROW(CZORHandler(std::make_shared<utils::log::BasicStreamLog>(text), samples, MakeSettings(samples)),
+  EXPECT_THROW(MakeHandler(std::make_shared<utils::log::BasicStreamLog>(text), samples, MakeSettings(samples)),
                utils::runtime_error);
   EXPECT_EQ(text.str(), L"ERROR: There are not enough designs for ZOR. Need at least 2 designs.\n");
+}
+
+/// A designer's table: a constant and a dependent parameter, a vector response, a text, designs that do not count.
+struct MixedDesigns {
+  MixedDesigns() : samples(MakeSamples(20, 2, 2)), designs(samples.Designs()) {
+    for (std::size_t i = 0; i < designs.size(); ++i) {
+      auto values = designs[i].GetParameters();
+      values.Add(L"fixed", 3.0);
+      designs[i].SetParametersUnsafe(values);
+      designs[i].AddResponse(L"note", L"text");
+      const auto value = designs[i].GetResponses()[L"r0"];
+      math::Variant<double>::VectorType vector(2);
+      vector[0] = value.GetScalar();
+      vector[1] = -value.GetScalar();
+      designs[i].AddResponse(L"pair", math::Variant<double>(vector));
+    }
+    designs[4].SetRunStatus(algorithm::datatypes::eRunState::kRunning);
+    designs[5].SetActivationState(algorithm::datatypes::eActivationStatus::kInactive);
+    parameters = testing::ParametersOf(designs);
+    parameters.SetConst(L"fixed", true);
+  }
+
+  CZORHandler MakeHandlerOf(ZORAdvancedSettings advanced) const {
+    ZORCombinedSettings settings = MakeSettings(samples, std::move(advanced));
+    ZORData data = settings.GetZORData();
+    data.responses_usage_[L"pair"] = true;
+    settings.SetZORData(data);
+    return CZORHandler(NoLog(), parameters, designs, algorithm::datatypes::Design(), settings);
+  }
+
+  SampleTable samples;
+  algorithm::datatypes::DesignManager designs;
+  algorithm::datatypes::ParameterManager parameters;
+};
+
+TEST(Handler, ModelsWhatCanBeModelledOfMixedDesigns) {
+  const MixedDesigns mixed;
+  CZORHandler handler = mixed.MakeHandlerOf({});
+  handler.Build();
+  const ZORInformation& information = InformationOf(handler.GetLYRA());
+  EXPECT_EQ(information.parameter_names_, (std::vector<std::wstring>{L"a", L"b"}));
+  EXPECT_EQ(information.GetResponseNames(), (std::vector<std::wstring>{L"r0", L"r1", L"pair[0]", L"pair[1]"}));
+  EXPECT_EQ(handler.GetLYRA().GetDesignContainer().size(), 18u);
+  EXPECT_EQ(information.GetSurrogateInfos().GetInfos()[3].GetResponseIndex(), 1u);
+  EXPECT_EQ(information.GetSurrogateInfos().GetInfos()[0].GetUsedHIds().size(), 18u);
+  EXPECT_TRUE(MatrixNear(handler.GetZorValues(true).col(2), -handler.GetZorValues(true).col(3), 0.0));
+  EXPECT_FALSE(handler.GetSettings().GetZORData().responses_zorability_.at(L"note"));
+}
+
+TEST(Handler, RefusesAConstantParameterThatVaries) {
+  MixedDesigns mixed;
+  mixed.parameters.SetConst(L"a", true);
+  try {
+    mixed.MakeHandlerOf({});
+    FAIL();
+  } catch (const utils::runtime_error& error) {
+    EXPECT_STREQ(error.what(),
+                 "Inconsistent data. At least one constant parameter varied in designs.\n"
+                 "Given data is invalid.");
+  }
+}
+
+TEST(Handler, AddsCrossValidationValuesAndDropsThemInTheNextRun) {
+  SampleTable samples = MakeSamples(20, 2, 1);
+  samples.responses(6, 0) = kNan;
+  ZORAdvancedSettings advanced;
+  advanced.write_cv_values_ = true;
+  const auto handler = MakeHandler(NoLog(), samples, MakeSettings(samples, advanced));
+  handler->Build();
+  const auto& lyra = handler->GetLYRA();
+  const auto& info = InformationOf(lyra).GetSurrogateInfos().GetInfos()[0];
+  const Vector values = info.GetSurrogate()->ApproximateCrossValidation(InformationOf(lyra).cv_indexes_.at(L"r0"));
+  const auto& designs = lyra.GetDesignContainer();
+  EXPECT_TRUE(designs[6].GetResponses()[L"r0_cv"].IsUninitialized());
+  EXPECT_EQ(designs[7].GetResponses()[L"r0_cv"].GetScalar().real(), values[6]);
+  EXPECT_EQ(InformationOf(lyra).response_to_cv_mapping_.at(L"r0"), L"r0_cv");
+
+  std::wostringstream text;
+  utils::log::BasicStreamLog log(text);
+  const auto next = MakeHandler(NoLog(), samples, MakeSettings(samples));
+  next->FillLYRA(log, lyra, MakeSettings(samples, advanced));
+  EXPECT_EQ(text.str(), L"INFO: Removing cross validation values from file designs.\n");
+  next->Build();
+  EXPECT_EQ(next->GetLYRA().GetResponseNames(), (std::vector<std::wstring>{L"r0", L"r0_cv"}));
+  EXPECT_EQ(InformationOf(next->GetLYRA()).GetResponseNames(), (std::vector<std::wstring>{L"r0"}));
+}
+
+TEST(Handler, TakesColumnsAsDesigns) {
+  const SampleTable samples = MakeSamples(20, 2, 1);
+  const auto column = [](const math::VectorIn& values) {
+    math::Variant<double>::VectorType vector(static_cast<std::size_t>(values.size()));
+    for (math::Index i = 0; i < values.size(); ++i) vector[static_cast<std::size_t>(i)] = values[i];
+    return math::Variant<double>(vector);
+  };
+  CZORHandler::Columns parameters;
+  parameters.Add(L"a", column(samples.parameters.col(0)));
+  parameters.Add(L"b", column(samples.parameters.col(1)));
+  CZORHandler::Columns responses;
+  responses.Add(L"r0", column(samples.responses.col(0)));
+  CZORHandler handler(NoLog(), parameters, responses, MakeSettings(samples));
+  EXPECT_TRUE(MatrixNear(handler.GetZorValues(false), samples.parameters, 0.0));
+  parameters.Add(L"c", column(samples.parameters.col(1).head(7)));
+  EXPECT_THROW(CZORHandler(NoLog(), parameters, responses, MakeSettings(samples)), utils::runtime_error);
+}
+
+TEST(Handler, ReportsSamplingModelsAndFrequencies) {
+  const SampleTable samples = MakeSamples(40, 3, 2);
+  ZORAdvancedSettings advanced;
+  advanced.write_function_string_ = true;
+  const TemporaryFolder folder;
+  advanced.log_in_file_ = true;
+  advanced.log_file_path_ = folder.Path("message_log.txt");
+  const auto log = std::make_shared<utils::log::VectorLog>();
+  MakeHandler(log, samples, MakeSettings(samples, advanced))->Build();
+  std::wstring report;
+  for (const auto& [level, line] : log->GetEntries()) {
+    if (level == utils::log::LogLevel::kInformation) report += line + L"\n";
+  }
+  for (const wchar_t* const piece :
+       {L"Number of samples:   40\n", L"Parameter name      Parameter range                 Sampling bounds\na  ",
+        L"Finished evaluation of response r0\nFinished evaluation of response r1\n", L" Best Metamodels ",
+        L"| Mainterm selection | Interaction selection | CoP| pred. CoD\n", L"a: 100 %\n", L"\nr0 = "}) {
+    EXPECT_NE(report.find(piece), std::wstring::npos) << string::narrow(piece) << "\n" << string::narrow(report);
+  }
+  EXPECT_GT(std::filesystem::file_size(advanced.log_file_path_), report.size());
 }
 
 TEST(HandlerThreads, EndWithTheBuildThatATaskFailed) {
@@ -212,8 +352,8 @@ TEST(HandlerThreads, EndWithTheBuildThatATaskFailed) {
   ZORAdvancedSettings advanced;
   advanced.num_parallel_ = 3;
   const std::shared_ptr<utils::log::LogBase> log = NoLog();
-  CZORHandler handler(log, samples, MakeSettings(samples, advanced));
-  EXPECT_THROW(handler.Build(), utils::runtime_error);
+  const auto handler = MakeHandler(log, samples, MakeSettings(samples, advanced));
+  EXPECT_THROW(handler->Build(), utils::runtime_error);
   EXPECT_EQ(log.use_count(), 2) << "a task that runs or waits holds the log, too";
 }
 
@@ -221,13 +361,13 @@ TEST(HandlerThreads, StopOnRequestInTheMiddleOfABuild) {
   const SampleTable samples = MakeSamples(60, 4, 40);
   ZORAdvancedSettings advanced;
   advanced.num_parallel_ = 2;
-  CZORHandler handler(NoLog(), samples, MakeSettings(samples, advanced));
+  const auto handler = MakeHandler(NoLog(), samples, MakeSettings(samples, advanced));
   int calls = 0;
-  handler.SetProgressCallable([&](double) {
-    if (++calls == 2) handler.RequestStop();
+  handler->SetProgressCallable([&](double) {
+    if (++calls == 2) handler->RequestStop();
   });
   try {
-    handler.Build();
+    handler->Build();
     FAIL() << "the build came to its end";
   } catch (const utils::runtime_error& error) {
     EXPECT_STREQ(error.what(), kStopped);
@@ -237,9 +377,9 @@ TEST(HandlerThreads, StopOnRequestInTheMiddleOfABuild) {
 
 TEST(HandlerThreads, StopBeforeTheBuild) {
   const SampleTable samples = MakeSamples(20, 2, 2);
-  CZORHandler handler(NoLog(), samples, MakeSettings(samples));
-  handler.RequestStop();
-  EXPECT_THROW(handler.Build(), utils::runtime_error);
+  const auto handler = MakeHandler(NoLog(), samples, MakeSettings(samples));
+  handler->RequestStop();
+  EXPECT_THROW(handler->Build(), utils::runtime_error);
 }
 
 TEST(HandlerThreads, SearchManyResponsesOnSeveralWorkers) {
@@ -247,7 +387,7 @@ TEST(HandlerThreads, SearchManyResponsesOnSeveralWorkers) {
   ZORAdvancedSettings advanced;
   advanced.num_parallel_ = 64;  // more than there are responses
   const ZORInformation information = BuildWith(samples, MakeSettings(samples, advanced));
-  const auto& infos = information.surrogate_infos_.GetInfos();
+  const auto& infos = information.GetSurrogateInfos().GetInfos();
   ASSERT_EQ(infos.size(), 12u);
   EXPECT_TRUE(MatrixNear(infos[0].GetSurrogate()->Approximate(samples.parameters), samples.responses.col(0), 1e-9));
   for (std::size_t k = 0; k < infos.size(); ++k) {

@@ -76,7 +76,7 @@ TEST(CleanDataRefusal, NeedsOneGoodRow) {
 /// A task on the first response of a table, with its futures.
 struct TaskRun {
   explicit TaskRun(const Vector* output = nullptr) : request(std::make_shared<ZorTask::ZorRequest>(stop)) {
-    const SampleTable samples = testing::MakeSamples(30, 3, 1);
+    const testing::SampleTable samples = testing::MakeSamples(30, 3, 1);
     request->inputs = std::make_shared<const Matrix>(samples.parameters);
     request->output = output ? *output : Vector(samples.responses.col(0));
     request->important_info.assign(3, 1);
@@ -118,7 +118,7 @@ std::string FailureOf(Future& future) {
 }
 
 TEST(Task, HandsBackTheBestModelOfTheGoodRows) {
-  const SampleTable samples = testing::MakeSamples(30, 3, 1);
+  const testing::SampleTable samples = testing::MakeSamples(30, 3, 1);
   Vector output = samples.responses.col(0);
   output(4) = kNan;
   TaskRun run(&output);

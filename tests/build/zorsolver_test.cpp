@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <boost/make_shared.hpp>
 #include <limits>
 
 #include "build/samples.h"
@@ -12,6 +13,8 @@
 namespace kestrel::zor {
 namespace {
 
+using algorithm::datatypes::AlgorithmInfo;
+using algorithm::datatypes::LYRA;
 using algorithm::datatypes::SurrogateInfo;
 using algorithm::datatypes::ZORInformation;
 using enums::eExtrapolationTypes;
@@ -25,30 +28,44 @@ constexpr double kExact = 1e-9;
 constexpr bool kThrowing = true;
 
 /// Two quadratic responses of two inputs, sampled in [0, 1] x [0, 4] with exact bounds.
-ZORInformation MakeInformation() {
-  Matrix points = testing::RandomPoints(20, 2, 3, 0.0, 1.0);
-  points.col(1) *= 4.0;
-  points.row(0) << 0.0, 4.0;
-  points.row(1) << 1.0, 0.0;
-  math::metamodel::LinearRegressionSettings quadratic(2);
-  quadratic.SetOrder(2);
-  ZORInformation information;
-  information.parameter_names_ = {L"a", L"b"};
-  information.sampling_limits_ = {{0.0, 1.0}, {0.0, 4.0}};
-  information.defined_limits_ = {{-0.1, 1.1}, {-0.4, 4.4}};
-  for (const std::wstring name : {L"first", L"second"}) {
-    const double sign = name == L"first" ? 1.0 : -1.0;
+struct Record {
+  Record() {
+    points = testing::RandomPoints(20, 2, 3, 0.0, 1.0);
+    points.col(1) *= 4.0;
+    points.row(0) << 0.0, 4.0;
+    points.row(1) << 1.0, 0.0;
+    information.parameter_names_ = {L"a", L"b"};
+    for (const std::wstring name : {L"first", L"second"}) Add(name, name == L"first" ? 1.0 : -1.0);
+  }
+
+  void Add(const std::wstring& name, double sign) {
+    math::metamodel::LinearRegressionSettings quadratic(2);
+    quadratic.SetOrder(2);
     const auto regression = std::make_shared<LinearRegression>(points, sign * testing::Quadratic(points));
     regression->Initialize(quadratic);
     information.surrogate_infos_.AddSurrogateInfo(SurrogateInfo(name, regression, {}));
     information.cv_indexes_[name] = {};
   }
-  return information;
-}
+
+  LYRA Make() const {
+    Matrix responses(20, 2);
+    responses << testing::Quadratic(points), -testing::Quadratic(points);
+    const testing::SampleTable samples{{L"a", L"b"}, {L"first", L"second"}, points, responses};
+    LYRA lyra;
+    lyra.SetDesignContainer(samples.Designs());
+    lyra.SetParameterManager(testing::ParametersOf(lyra.GetDesignContainer()));
+    lyra.SetAlgorithmInfo(boost::make_shared<AlgorithmInfo>(AlgorithmInfo::eKind::kMetamodel));
+    lyra.GetAlgorithmInfo()->SetDetailedInfo(boost::make_shared<ZORInformation>(information));
+    return lyra;
+  }
+
+  Matrix points;
+  ZORInformation information;
+};
 
 ZORSolver MakeSolver() {
   ZORSolver solver(true);
-  solver.InitializeSolver(MakeInformation());
+  solver.InitializeSolver(Record().Make(), {});
   return solver;
 }
 
@@ -144,7 +161,7 @@ TEST(Solver, RefusesAnotherNumberOfColumns) {
 
 TEST(Solver, DropsItsMessagesIfNobodyWantsThem) {
   ZORSolver solver(false);
-  solver.InitializeSolver(MakeInformation());
+  solver.InitializeSolver(Record().Make(), {});
   solver.ApproximateDesigns(Point(2.0, 0.0), false, !kThrowing);
   EXPECT_TRUE(solver.GetLog().GetEntries().empty());
 }
@@ -170,17 +187,17 @@ TEST(Solver, NeedsUsableModels) {
   EXPECT_EQ(FailureOf([&] { ZORSolver(true).ApproximateDesigns(point, true, kThrowing); }),
             "Approximation impossible due to missing meta models.");
 
-  ZORInformation without_model = MakeInformation();
-  without_model.surrogate_infos_.AddSurrogateInfo(SurrogateInfo(L"third", nullptr, {}));
+  Record without_model;
+  without_model.information.surrogate_infos_.AddSurrogateInfo(SurrogateInfo(L"third", nullptr, {}));
   ZORSolver incomplete(true);
-  incomplete.InitializeSolver(without_model);
+  incomplete.InitializeSolver(without_model.Make(), {});
   EXPECT_EQ(evaluate(incomplete, L"third"), "Evaluation impossible. No metamodel initialized.");
   EXPECT_EQ(evaluate(incomplete, L"first"), "none");
 }
 
 TEST(Solver, RefusesAModelThatIsNotBuiltAnyMore) {
   const ZORSolver solver = MakeSolver();
-  solver.GetInformation().surrogate_infos_.GetInfos()[0].GetSurrogate()->InitializeValueTransformation(
+  solver.GetSurrogateInfos().GetInfos()[0].GetSurrogate()->InitializeValueTransformation(
       math::metamodel::eTransformation::kBoxCox, {});
   EXPECT_EQ(FailureOf([&] { solver.ApproximateDesigns(Point(0.5, 0.5), true, kThrowing); }),
             "Evaluation impossible. Check failed.");
@@ -207,6 +224,18 @@ TEST(Solver, GivesFiveErrorValuesPerPoint) {
   ASSERT_EQ(errors.cols(), 5);
   EXPECT_TRUE(MatrixNear(errors.col(0), Vector::Ones(4), 0.0));  // an exact model
   EXPECT_TRUE((errors.col(4).array() > 0.0).all());
+}
+
+TEST(Solver, FillsTheResponsesOfDesigns) {
+  const ZORSolver solver = MakeSolver();
+  auto designs = solver.GetLYRA().GetDesignContainer();
+  for (auto& design : designs) design.OverrideResponse(L"first", 0.0);
+  const auto approximated = solver.Approximate(designs, eExtrapolationTypes::kSamplingBounds, kThrowing);
+  const auto& sampled = solver.GetLYRA().GetDesignContainer()[7].GetResponses();
+  ASSERT_EQ(approximated.size(), 20u);
+  EXPECT_NEAR(approximated[7].GetResponses()[L"first"].GetScalar().real(), sampled[L"first"].GetScalar().real(),
+              kExact);
+  EXPECT_TRUE(approximated[7].IsApproximated());
 }
 
 }  // namespace

@@ -30,7 +30,7 @@ constexpr std::size_t kReadStep = std::size_t{1} << 16;  // bytes that are taken
 }  // namespace
 
 portable_binary_iarchive::portable_binary_iarchive(std::istream& stream, unsigned flags)
-    : Engine(flags), Primitive(*stream.rdbuf(), (flags & boost::archive::no_codecvt) != 0) {
+    : Engine(flags), Primitive(*stream.rdbuf(), true) {
   if ((flags & impl::kThrowOnMismatch) != 0) {
     mismatch_policy_ = MismatchPolicy::kThrow;
   } else if ((flags & impl::kIgnoreMismatch) != 0) {

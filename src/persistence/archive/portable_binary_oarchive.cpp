@@ -30,7 +30,9 @@ impl::AnnotationMode ModeOf(unsigned flags) {
 
 portable_binary_oarchive::portable_binary_oarchive(std::ostream& stream, unsigned flags)
     : Engine(flags & ~impl::kAnnotationFlags),
-      Primitive(*stream.rdbuf(), (flags & boost::archive::no_codecvt) != 0),
+      // The engine would imbue the buffer with another locale. Bytes need none, and a file buffer with pending output
+      // that cannot be written answers with an exception that the destructor could not let out.
+      Primitive(*stream.rdbuf(), true),
       mode_(ModeOf(flags)) {
   if ((flags & boost::archive::no_header) == 0) WriteHeader();
 }
