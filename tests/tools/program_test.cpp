@@ -115,7 +115,7 @@ TEST(Program, AnswersEveryFaultWithOneLine) {
   folder.Write("missing.csv", "a,y\n1,\n2,nan\n3,inf\n");
   folder.Write("nameless.csv", "a,y,\n1,2,3\n");
   const FaultyCall calls[] = {
-      {"", 2, "A subcommand is required; see 'zor fit --help'"},
+      {"", 2, "A subcommand is required; see 'zor --help'"},
       {"fit --outputs y", 2, "designs is required; see 'zor fit --help'"},
       {"fit designs.csv --outputs y --jobs many", 2, "Could not convert: --jobs = many; see 'zor fit --help'"},
       {"fit designs.csv --outputs y --extrapolate", 2, "--extrapolate requires --predict; see 'zor fit --help'"},
@@ -139,8 +139,12 @@ TEST(Program, AnswersEveryFaultWithOneLine) {
        "designs.csv: Would overwrite a file that is read."},
       {"fit designs.csv --inputs a --outputs y --cv none/cv.csv", 2,
        "none/cv.csv: Cannot be written: No such file or directory."},
-      {"fit designs.csv --inputs a --outputs y --predict points.csv --output new.csv --cv ./new.csv", 2,
-       "--output and --cv name the same file."},
+      {"fit designs.csv --inputs a --outputs y --cv new.csv --store ./new.csv", 2,
+       "--cv and --store name the same file."},
+      {"fit designs.csv --inputs a --outputs y --store ''", 2,
+       "--store: The name of the file is empty; see 'zor fit --help'"},
+      {"fit designs.csv --inputs a --outputs y --monitor .", 2, ".: Is a directory."},
+      {"fit designs.csv --inputs a --outputs y --report --json", 2, "--report excludes --json; see 'zor fit --help'"},
       {"fit designs.csv --inputs a --outputs y --set max_coi=2", 1, "ERROR: Importance limit must be between 0 and 1."},
       {"fit designs.csv --inputs a,b,c --outputs y --cv /dev/full", 1,
        "/dev/full: Not all could be written: No space left on device."},

@@ -1,14 +1,16 @@
 #pragma once
 
+#include <string>
+#include <variant>
+
 #include "fit_command.h"
+#include "info_command.h"
+#include "predict_command.h"
 
 namespace kestrel::cli {
 
-/// What the command line asks for: `zor fit`, or that the program prints a text, of its help or version, and ends.
-struct CommandLine {
-  FitArguments fit;
-  std::string text;  ///< not empty if it is all that was asked for
-};
+/// What the command line asks for: one of the commands, or that the program prints a text, of its help or version.
+using CommandLine = std::variant<std::string, FitArguments, PredictArguments, InfoArguments>;
 
 /// Throws InputError if the arguments are not those of the program.
 CommandLine ReadCommandLine(int argc, const char* const* argv);

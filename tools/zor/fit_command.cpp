@@ -9,6 +9,7 @@
 #include "errors.h"
 #include "evaluation.h"
 #include "handle.h"
+#include "model_file.h"
 #include "options.h"
 #include "output_file.h"
 #include "report.h"
@@ -102,7 +103,10 @@ Table ReadDesigns(const FitArguments& arguments, const Handle& handle, std::size
 }
 
 void RequireWritableTargets(const FitArguments& arguments) {
-  RequireWritable({{"--output", arguments.predictions}, {"--cv", arguments.cross_validation}},
+  RequireWritable({{"--output", arguments.predictions},
+                   {"--cv", arguments.cross_validation},
+                   {"--store", arguments.stored_model},
+                   {"--monitor", arguments.monitoring}},
                   {arguments.designs, arguments.points});
 }
 
@@ -128,9 +132,26 @@ Table CrossValidationValues(const Handle& handle, const Table& designs, std::siz
   return pairs;
 }
 
-void WriteFiles(const FitArguments& arguments, const Table& cross_validation, const Table& predictions) {
+void WriteFiles(const FitArguments& arguments, const Handle& handle, const Table& cross_validation,
+                const Table& predictions) {
   if (!arguments.cross_validation.empty()) WriteCsvFile(arguments.cross_validation, cross_validation);
   if (!arguments.predictions.empty()) WriteCsvFile(arguments.predictions, predictions);
+  if (!arguments.stored_model.empty()) StoreModel(handle, arguments.stored_model);
+  if (!arguments.monitoring.empty()) WriteMonitoringFile(handle, arguments.monitoring);
+}
+
+/// Prints the report of the library, or our own.
+void PrintForPeople(const FitArguments& arguments, const Handle& handle, const Report& report, std::ostream& stream) {
+  if (!arguments.build_report) {
+    PrintReport(stream, report);
+    return;
+  }
+  char* text = nullptr;
+  std::size_t length = 0;
+  handle.Check(zor_get_report(handle.get(), &text, &length));
+  const std::string build_report = TakeText(text, length);
+  stream << build_report;
+  if (build_report.empty() || build_report.back() != '\n') stream << '\n';
 }
 
 }  // namespace
@@ -153,14 +174,14 @@ void RunFit(const FitArguments& arguments, std::ostream& out, std::ostream& note
   const Table predictions = has_points ? Predictions(models, points) : Table();
   const Table cross_validation =
       arguments.cross_validation.empty() ? Table() : CrossValidationValues(handle, designs, input_count);
-  WriteFiles(arguments, cross_validation, predictions);
+  WriteFiles(arguments, handle, cross_validation, predictions);
   const bool predictions_have_file = !arguments.predictions.empty();
   if (arguments.json) {
     PrintJson(out, report, predictions_have_file ? Table() : predictions);
     return;
   }
   const bool predictions_take_out = has_points && !predictions_have_file;
-  PrintReport(predictions_take_out ? notes : out, report);
+  PrintForPeople(arguments, handle, report, predictions_take_out ? notes : out);
   if (predictions_take_out) WriteCsv(out, predictions);
 }
 

@@ -18,12 +18,15 @@ struct FitArguments {
   bool extrapolate = false;           ///< predict points outside the bounds of the designs too
   std::string predictions;            ///< file that receives the predictions
   std::string cross_validation;       ///< file that receives observed and cross-validation values
+  std::string stored_model;           ///< file that receives the built model
+  std::string monitoring;             ///< file that receives the record of the build
+  bool build_report = false;          ///< the library's report in place of the table
   bool json = false;
 };
 
-/// Reads the designs, builds the models, reports them and predicts. The report goes to `out`, and so do predictions
-/// without a file of their own: in a table report's place, which then goes to `notes`, or inside the JSON object.
-/// Throws InputError or WorkError.
+/// Reads the designs, builds the models, stores and reports them and predicts. The report goes to `out`, and so do
+/// predictions without a file of their own: in the place of a report for people, which then goes to `notes`, or inside
+/// the JSON object. Throws InputError or WorkError.
 void RunFit(const FitArguments& arguments, std::ostream& out, std::ostream& notes);
 
 }  // namespace kestrel::cli

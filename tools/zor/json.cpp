@@ -39,4 +39,8 @@ std::string JsonNumber(double value) { return std::isfinite(value) ? ExactText(v
 
 std::string JsonArray(const std::vector<std::string>& values) { return "[" + Joined(values, ", ") + "]"; }
 
+std::string JsonLines(const std::vector<std::string>& elements) {
+  return elements.empty() ? "[]" : "[\n    " + Joined(elements, ",\n    ") + "\n  ]";
+}
+
 }  // namespace kestrel::cli

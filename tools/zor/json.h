@@ -15,4 +15,7 @@ std::string JsonNumber(double value);
 /// "[a, b]" of values that are JSON already.
 std::string JsonArray(const std::vector<std::string>& values);
 
+/// An array with one element a line, at a depth of 2 blanks. The elements are JSON already.
+std::string JsonLines(const std::vector<std::string>& elements);
+
 }  // namespace kestrel::cli

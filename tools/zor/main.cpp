@@ -2,21 +2,22 @@
 #include <exception>
 #include <iostream>
 #include <new>
+#include <string>
+#include <variant>
 
 #include "command_line.h"
 #include "errors.h"
-#include "fit_command.h"
 #include "output_file.h"
 
 namespace {
 
+void Obey(const std::string& text) { std::cout << text; }
+void Obey(const kestrel::cli::FitArguments& fit) { kestrel::cli::RunFit(fit, std::cout, std::cerr); }
+void Obey(const kestrel::cli::PredictArguments& predict) { kestrel::cli::RunPredict(predict, std::cout); }
+void Obey(const kestrel::cli::InfoArguments& info) { kestrel::cli::RunInfo(info, std::cout); }
+
 void Run(int argc, const char* const* argv) {
-  const kestrel::cli::CommandLine command = kestrel::cli::ReadCommandLine(argc, argv);
-  if (command.text.empty()) {
-    kestrel::cli::RunFit(command.fit, std::cout, std::cerr);
-  } else {
-    std::cout << command.text;
-  }
+  std::visit([](const auto& command) { Obey(command); }, kestrel::cli::ReadCommandLine(argc, argv));
   kestrel::cli::RequireWritten(std::cout, "standard output");
 }
 

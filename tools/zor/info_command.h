@@ -1,0 +1,17 @@
+#pragma once
+
+#include <ostream>
+#include <string>
+
+namespace kestrel::cli {
+
+/// The arguments of `zor info`.
+struct InfoArguments {
+  std::string file;  ///< stored model or monitoring file
+  bool json = false;
+};
+
+/// Tells on `out` what the file holds. Throws WorkError if it is neither kind of file.
+void RunInfo(const InfoArguments& arguments, std::ostream& out);
+
+}  // namespace kestrel::cli
