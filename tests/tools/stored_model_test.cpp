@@ -166,7 +166,9 @@ TEST_F(StoredModel, AnswersEveryFaultWithOneLine) {
 TEST_F(StoredModel, IsRefusedIfDamaged) {
   for (const std::string name : {"m.zor", "r.lyra"}) {
     const std::string bytes = folder_.Read(name);
-    const std::string damaged[] = {bytes.substr(0, 4), bytes.substr(0, bytes.size() / 2),
+    std::string smeared = bytes;
+    smeared.replace(bytes.size() / 3, 64, 64, '\xff');
+    const std::string damaged[] = {smeared, bytes.substr(0, 4), bytes.substr(0, bytes.size() / 2),
                                    bytes.substr(0, 4) + std::string(1000, '\xff'), bytes.substr(0, 4) + "\n\x1b[2J"};
     for (const std::string& content : damaged) {
       folder_.Write("damaged", content);

@@ -5,6 +5,8 @@
 #include <cstring>
 #include <filesystem>
 #include <fstream>
+#include <iostream>
+#include <sstream>
 #include <string_view>
 #include <system_error>
 
@@ -29,6 +31,26 @@ void RequireRegularFile(const std::string& path) {
 [[noreturn]] void RefuseContent(const std::string& path, const std::string& kind, const std::string& reason) {
   throw WorkError(path + ": Cannot be read as a " + kind + ": " + Escaped(reason));
 }
+
+/// Keeps back what the library says on the standard error stream. On a damaged file it can go on for long, one line for
+/// each mismatch, until it gives up; then its last word, the error, is enough.
+class MessagesKeptBack {
+ public:
+  MessagesKeptBack() : stream_(std::cerr.rdbuf(text_.rdbuf())) {}
+  ~MessagesKeptBack() { std::cerr.rdbuf(stream_); }
+  MessagesKeptBack(const MessagesKeptBack&) = delete;
+  MessagesKeptBack& operator=(const MessagesKeptBack&) = delete;
+
+  /// For a file that was readable all the same.
+  void Release() {
+    std::cerr.rdbuf(stream_);
+    std::cerr << text_.str();
+  }
+
+ private:
+  std::ostringstream text_;
+  std::streambuf* stream_;
+};
 
 void CheckWritten(const Handle& handle, std::uint32_t code, const std::string& path) {
   if (code != zor_success) throw WorkError(path + ": Cannot be written: " + handle.ErrorText(code));
@@ -58,8 +80,10 @@ Handle ReadStoredModel(const std::string& path) {
   }
   const Handle witness;  // gets the text of a failure
   zor_handle_t handle = witness.get();
+  MessagesKeptBack messages;
   const std::uint32_t code = zor_read_db_file(&handle, path.c_str());
   if (code != zor_success) RefuseContent(path, "stored model", witness.ErrorText(code));
+  messages.Release();
   return Handle(handle);
 }
 
@@ -74,9 +98,11 @@ void WriteMonitoringFile(const Handle& handle, const std::string& path) {
 std::string DescribeMonitoringFile(const std::string& path) {
   char* buffer = nullptr;
   std::size_t length = 0;
+  MessagesKeptBack messages;
   const std::uint32_t code = zor_describe_monitoring_file(path.c_str(), &buffer, &length);
   std::string text = TakeText(buffer, length);
   if (code != zor_success) RefuseContent(path, "monitoring file", text);
+  messages.Release();
   return text;
 }
 
