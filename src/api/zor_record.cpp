@@ -236,7 +236,9 @@ void ZOR::CheckOutput(std::size_t output, const SurrogateInfo& info, const ZORIn
   const std::vector<double>& single_cops = single_cops_per_output_[output];
   const kestrel::math::Vector& stored_cops = appraisal.GetSingleCoPs();
   const bool has_cops = stored_cops.size() > 0;
-  Require(single_cops.size() == (has_cops ? static_cast<std::size_t>(stored_cops.size()) : num_inputs_),
+  // The caller's buffer has one place per input.
+  Require(single_cops.size() == num_inputs_ &&
+              (!has_cops || static_cast<std::uint64_t>(stored_cops.size()) == num_inputs_),
           "Single CoP do not match.");
   Require(!has_cops || AreNear(single_cops, stored_cops), "Current single CoP does not match.");
   const std::vector<std::uint32_t>& indexes = cv_indexes_per_output_[output];
