@@ -58,6 +58,13 @@ void LinearRegression::PrepareBasis() {
       BuildCoefficientMatrix(points, settings_.GetMainTermSelection(), settings_.GetInteractionSelection());
 }
 
+template <class Work>
+Vector LinearRegression::OnBasis(Work&& work) const {
+  if (coefficient_matrix_.size() > 0) return work(coefficient_matrix_);
+  return work(BuildCoefficientMatrix(TransformPoints(points_), settings_.GetMainTermSelection(),
+                                     settings_.GetInteractionSelection()));
+}
+
 const NormalEquations& LinearRegression::PrepareNormalEquations() {
   PrepareBasis();
   if (!normal_equations_) normal_equations_.emplace(coefficient_matrix_, weights_);
@@ -129,7 +136,7 @@ Vector LinearRegression::Approximate() const {
   RequireBuilt(L"can not approximate - build first");
   if (need_build_) return NoValues(points_.rows());
   RequireSample();
-  return TransformBack(coefficient_matrix_ * coefficients_);
+  return OnBasis([&](const Matrix& basis) { return TransformBack(basis * coefficients_); });
 }
 
 Vector LinearRegression::ApproximateLeaveOneOut() const {
@@ -137,11 +144,12 @@ Vector LinearRegression::ApproximateLeaveOneOut() const {
   if (need_build_) return NoValues(points_.rows());
   RequireSample();
   const Vector values = ForwardValues();
-  const Vector residuals = values - coefficient_matrix_ * coefficients_;
-  const Vector leverages =
-      normal_equations_ ? normal_equations_->Leverages(coefficient_matrix_, weights_)
-                        : NormalEquations(coefficient_matrix_, weights_).Leverages(coefficient_matrix_, weights_);
-  return TransformBack(values.array() - residuals.array() / (1.0 - leverages.array()));
+  return OnBasis([&](const Matrix& basis) {
+    const Vector residuals = values - basis * coefficients_;
+    const Vector leverages = normal_equations_ ? normal_equations_->Leverages(basis, weights_)
+                                               : NormalEquations(basis, weights_).Leverages(basis, weights_);
+    return TransformBack(values.array() - residuals.array() / (1.0 - leverages.array()));
+  });
 }
 
 Vector LinearRegression::ApproximateCrossValidation(const Subsets& subsets) const {
@@ -154,7 +162,8 @@ Vector LinearRegression::ApproximateCrossValidation(const Subsets& subsets) cons
     return NoValues(points_.rows());
   }
   if (need_build_) return NoValues(points_.rows());
-  return TransformBack(CrossValidate(coefficient_matrix_, ForwardValues(), weights_, subsets));
+  return OnBasis(
+      [&](const Matrix& basis) { return TransformBack(CrossValidate(basis, ForwardValues(), weights_, subsets)); });
 }
 
 std::wstring LinearRegression::Name(bool short_name) const {

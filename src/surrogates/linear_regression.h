@@ -71,6 +71,10 @@ class LinearRegression final : public SurrogateBase {
   void PrepareBasis();
   /// The same for the factorised normal equations.
   const NormalEquations& PrepareNormalEquations();
+  /// Runs `work` on the basis at the support points: what the fit has left, or, in a model that was read, one made for
+  /// this call. Reading makes none, because it can be far larger than the file.
+  template <class Work>
+  Vector OnBasis(Work&& work) const;
   /// Solves for the coefficients, writes the parameters of the transformations to the settings, marks as built.
   void SolveAndFinish();
   /// Fits on values transformed with the given exponent and range.

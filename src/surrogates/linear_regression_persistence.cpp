@@ -27,11 +27,7 @@ bool LinearRegression::operator==(const SurrogateBase& other) const {
 
 std::unique_ptr<SurrogateBase> LinearRegression::Clone() const { return std::make_unique<LinearRegression>(*this); }
 
-void LinearRegression::RestoreDerivedData() {
-  DropBasis();
-  coefficient_matrix_ = BuildCoefficientMatrix(TransformSupportPoints(), settings_.GetMainTermSelection(),
-                                               settings_.GetInteractionSelection());
-}
+void LinearRegression::RestoreDerivedData() { DropBasis(); }
 
 template <class Archive>
 void LinearRegression::LoadVersion0(Archive& archive) {
