@@ -58,12 +58,6 @@ std::wstring JoinNumbers(const std::vector<double>& values) {
   return text + L")";
 }
 
-std::size_t LongestName(const ReportedModels& models) {
-  std::size_t longest = 0;
-  for (const ReportedModel& model : models) longest = std::max(longest, model.response.size());
-  return longest;
-}
-
 std::wstring TableLine(const std::wstring& name, std::size_t width, const std::wstring& model,
                        const std::wstring& parameters, const std::wstring& coefficients, const std::wstring& cod,
                        const std::wstring& quality) {
@@ -143,13 +137,25 @@ void PrintHeadline(std::size_t width, LogBase& log, bool is_cv) {
   log.add(LogLevel::kInformation, std::wstring(headline.size(), L'-'));
 }
 
+std::size_t LongestName(const std::vector<std::wstring>& names) {
+  std::size_t longest = 0;
+  for (const std::wstring& name : names) longest = std::max(longest, name.size());
+  return longest;
+}
+
+void PrintModel(const ReportedModel& model, std::size_t width, LogBase& log) {
+  if (log.Accepts(LogLevel::kInformation)) log.add(LogLevel::kInformation, ModelLine(model, width));
+}
+
 void PrintBestMetamodels(const ReportedModels& models, bool is_cv, LogBase& log) {
   if (!log.Accepts(LogLevel::kInformation)) return;
   log.add(LogLevel::kInformation,
           L"----------------------------------- Best Metamodels ----------------------------------- ");
-  const std::size_t width = LongestName(models);
+  std::vector<std::wstring> names;
+  for (const ReportedModel& model : models) names.push_back(model.response);
+  const std::size_t width = LongestName(names);
   PrintHeadline(width, log, is_cv);
-  for (const ReportedModel& model : models) log.add(LogLevel::kInformation, ModelLine(model, width));
+  for (const ReportedModel& model : models) PrintModel(model, width, log);
 }
 
 void PrintPolynomialInfo(const ReportedModels& models, LogBase& log) {

@@ -34,7 +34,13 @@ void SaveSamplingInformation(const algorithm::datatypes::ParameterManager& param
 /// @param is_cv  the quality comes from groups of designs: "CoP"; from single designs: "pred. CoD".
 void PrintHeadline(std::size_t width, utils::log::LogBase& log, bool is_cv);
 
-/// Below a headline: one line per response.
+/// Characters of the longest name.
+std::size_t LongestName(const std::vector<std::wstring>& names);
+
+/// One line below a headline of the same width.
+void PrintModel(const ReportedModel& model, std::size_t width, utils::log::LogBase& log);
+
+/// A headline and one line per response.
 void PrintBestMetamodels(const ReportedModels& models, bool is_cv, utils::log::LogBase& log);
 
 /// Orders, coefficients and term selections of the polynomials among the models.

@@ -155,6 +155,7 @@ void CZORHandler::Build() {
     log->Information() << L"Calculating " << workers << L" responses in parallel.";
     log->Information() << L"Max. responses in parallel: " << settings_.NumResponsesParallel();
   }
+  PrintHeadline(LongestName(response_names_), *log, UsesGroups());
   {
     ZORTaskPool pool(workers);  // its end joins the threads, however the build ends
     try {
@@ -186,9 +187,12 @@ CZORHandler::Bounds CZORHandler::SamplingBounds() const {
 
 /// What the record tells of the run beside its designs; the models follow.
 void CZORHandler::PrepareInformation() {
-  AlgorithmInfo& algorithm = *lyra_.GetAlgorithmInfo();
+  // A record of an earlier run, which may have been given, shares its algorithm information with its copies.
+  const auto& earlier = lyra_.GetAlgorithmInfo();
+  const auto algorithm = earlier ? boost::make_shared<AlgorithmInfo>(*earlier)
+                                 : boost::make_shared<AlgorithmInfo>(AlgorithmInfo::eKind::kMetamodel);
   ZORInformation fresh;
-  fresh.SetSamplingType(algorithm.GetSamplingType());
+  fresh.SetSamplingType(algorithm->GetSamplingType());
   fresh.parameter_manager_ = GetAdaptedZORParameterManager();
   fresh.parameter_names_ = input_names_;
   fresh.sampling_limits_ = SamplingBounds();
@@ -197,8 +201,9 @@ void CZORHandler::PrepareInformation() {
   }
   fresh.calculated_models_ = std::make_shared<SubspaceResultContainer>();
   fresh.best_models_ = std::make_shared<SubspaceResultContainer>();
-  lyra_.GetAlgorithmInfo()->SetDetailedInfo(boost::make_shared<ZORInformation>(std::move(fresh)));
-  lyra_.GetAlgorithmInfo()->SetCombinedZORSettings(settings_);
+  algorithm->SetDetailedInfo(boost::make_shared<ZORInformation>(std::move(fresh)));
+  algorithm->SetCombinedZORSettings(settings_);
+  lyra_.SetAlgorithmInfo(algorithm);
 }
 
 CZORHandler::ZORInformation& CZORHandler::GetInformation() {
@@ -245,6 +250,7 @@ void CZORHandler::CollectResponses(std::vector<PendingResponse>& responses, LogB
     response.Wait();
     response.log.messages->Forward(log);
     CollectResponse(response);
+    PrintModel(models_.back(), LongestName(response_names_), log);
     log.Information() << L"Finished evaluation of response " << response.name;
     progress_(static_cast<double>(++finished) / static_cast<double>(responses.size()));
   }
@@ -303,8 +309,7 @@ void CZORHandler::AddCVValues(const ReportedModel& model, const math::metamodel:
 
 void CZORHandler::PrintResults(LogBase& log) {
   ZORInformation& information = GetInformation();
-  const bool is_cv = GetSearchSettings().testing_type_ == math::metamodel::TestingType::kCrossValidation;
-  PrintBestMetamodels(models_, is_cv, log);
+  PrintBestMetamodels(models_, UsesGroups(), log);
   PrintPolynomialInfo(models_, log);
   const auto frequencies = RelativeFrequencyOfImportance(models_, input_names_);
   information.relative_freq_of_importance_ = {frequencies.begin(), frequencies.end()};
@@ -346,6 +351,10 @@ std::vector<std::uint64_t> CZORHandler::GetParameterImportance() const {
     if (entry != given.end()) importance[i] = entry->second;
   }
   return importance;
+}
+
+bool CZORHandler::UsesGroups() const {
+  return GetSearchSettings().testing_type_ == math::metamodel::TestingType::kCrossValidation;
 }
 
 math::metamodel::ZORSettings CZORHandler::GetSearchSettings() const {

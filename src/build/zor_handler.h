@@ -118,6 +118,8 @@ class CZORHandler {
   void FinishRecord();
   std::vector<std::uint64_t> GetParameterImportance() const;
   math::metamodel::ZORSettings GetSearchSettings() const;
+  /// The models are tested on groups of designs, not on single ones.
+  bool UsesGroups() const;
   ZORInformation& GetInformation();
 
   std::shared_ptr<utils::log::LogBase> log_;

@@ -304,6 +304,7 @@ TEST(Handler, AddsCrossValidationValuesAndDropsThemInTheNextRun) {
   next->Build();
   EXPECT_EQ(next->GetLYRA().GetResponseNames(), (std::vector<std::wstring>{L"r0", L"r0_cv"}));
   EXPECT_EQ(InformationOf(next->GetLYRA()).GetResponseNames(), (std::vector<std::wstring>{L"r0"}));
+  EXPECT_NE(next->GetLYRA().GetAlgorithmInfo(), lyra.GetAlgorithmInfo()) << "the earlier record is left alone";
 }
 
 TEST(Handler, TakesColumnsAsDesigns) {
@@ -339,7 +340,7 @@ TEST(Handler, ReportsSamplingModelsAndFrequencies) {
   }
   for (const wchar_t* const piece :
        {L"Number of samples:   40\n", L"Parameter name      Parameter range                 Sampling bounds\na  ",
-        L"Finished evaluation of response r0\nFinished evaluation of response r1\n", L" Best Metamodels ",
+        L"Finished evaluation of response r0\nr1 ", L" Best Metamodels ",
         L"| Mainterm selection | Interaction selection | CoP| pred. CoD\n", L"a: 100 %\n", L"\nr0 = "}) {
     EXPECT_NE(report.find(piece), std::wstring::npos) << string::narrow(piece) << "\n" << string::narrow(report);
   }
