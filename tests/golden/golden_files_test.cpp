@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 #include <json/json.h>
 
+#include <algorithm>
+#include <cmath>
 #include <fstream>
 #include <iterator>
 #include <memory>
@@ -11,6 +13,7 @@
 #include "datatypes/results/reliability_information.h"
 #include "datatypes/results/zor_information.h"
 #include "golden/monitoring_files.h"
+#include "golden/plain_walk.h"
 #include "persistence/database/lyra_file.h"
 #include "zor_api.h"
 
@@ -48,7 +51,7 @@ std::string WithoutStamps(std::string bytes) {
     const std::size_t length = found + stored.size() + 2;
     const auto size =
         static_cast<unsigned char>(bytes.at(length)) + 256U * static_cast<unsigned char>(bytes.at(length + 1));
-    bytes.replace(length, 2 + size, "");
+    bytes.replace(length, 2 + size, 2, '\0');
   }
   return bytes;
 }
@@ -66,14 +69,29 @@ Json::Value TakeHeader(std::string& bytes) {
   return header;
 }
 
+/// Fitted numbers may differ by rounding from one processor to another: those of a stored model that are near are taken
+/// over from the other one.
+void TakeNearNumbers(std::string& bytes, const std::string& from) {
+  constexpr double kTolerance = 1e-9;
+  const std::vector<PlainValue> ours = WalkStoredModel(bytes);
+  const std::vector<PlainValue> theirs = WalkStoredModel(from);
+  for (std::size_t i = 0; i < std::min(ours.size(), theirs.size()); ++i) {
+    if (!ours[i].is_real || !theirs[i].is_real || !(std::abs(ours[i].real - theirs[i].real) < kTolerance)) continue;
+    bytes.replace(ours[i].end - sizeof(double), sizeof(double), from, theirs[i].end - sizeof(double), sizeof(double));
+  }
+}
+
 TEST(GoldenFiles, AreWrittenWithTheSameBytes) {
-  for (GoldenFile& written : MakeGoldenFiles()) {
-    std::string committed = Committed(written.name);
-    if (written.name.find(".lyra") != std::string::npos) {
-      EXPECT_EQ(TakeHeader(written.bytes), TakeHeader(committed)) << written.name;
+  for (GoldenFile& file : MakeGoldenFiles()) {
+    std::string golden = Committed(file.name);
+    const bool is_database = file.name.find(".lyra") != std::string::npos;
+    if (is_database) {
+      EXPECT_EQ(TakeHeader(file.bytes), TakeHeader(golden)) << file.name;
     }
-    EXPECT_EQ(WithoutStamps(written.bytes), WithoutStamps(committed))
-        << written.name << "; if the change is meant, run write_golden";
+    std::string written = WithoutStamps(file.bytes);
+    golden = WithoutStamps(golden);
+    if (!is_database) TakeNearNumbers(written, golden);
+    EXPECT_TRUE(written == golden) << file.name << ": if the change is meant, run write_golden";
   }
 }
 

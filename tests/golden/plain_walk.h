@@ -1,0 +1,13 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "golden/plain_schema.h"
+
+namespace kestrel::testing {
+
+/// Every value of a stored model, read from its bytes alone.
+std::vector<PlainValue> WalkStoredModel(std::string bytes);
+
+}  // namespace kestrel::testing
