@@ -1,18 +1,18 @@
 #include <boost/iostreams/device/array.hpp>
-#include <boost/iostreams/device/back_inserter.hpp>
 #include <boost/iostreams/stream.hpp>
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <memory>
+#include <ostream>
 #include <stdexcept>
 #include <string>
 #include <utility>
-#include <vector>
 
 #include "api/barrier.h"
 #include "api/buffers.h"
+#include "api/byte_collector.h"
 #include "api/monitoring_description.h"
 #include "api/stored_record.h"
 #include "persistence/database/lyra.h"
@@ -80,13 +80,11 @@ uint32_t zor_write_db_buf(zor_handle_t handle, void** buffer, size_t* size) {
   return kestrel::api::Guarded(handle, [&](const ZOR& record) {
     const boost::shared_lock_guard<boost::shared_mutex> lock(record.mutex_);
     void*& target = kestrel::api::Target(buffer);
-    constexpr std::size_t kFirstCapacity = 4096;
-    std::vector<char> bytes;
-    bytes.reserve(kFirstCapacity);
-    io::stream<io::back_insert_device<std::vector<char>>> stream(bytes);
+    std::size_t& length = kestrel::api::Target(size);
+    kestrel::api::ByteCollector bytes;
+    std::ostream stream(&bytes);
     kestrel::api::StoreRecord(record, stream);
-    stream.close();
-    target = kestrel::api::HandOutBytes(bytes.data(), bytes.size(), size);
+    target = bytes.Release(length);
     return zor_success;
   });
 }

@@ -7,8 +7,10 @@
 #include <limits>
 #include <optional>
 #include <stdexcept>
+#include <vector>
 
 #include "datatypes/design_functions.h"
+#include "datatypes/name_index.h"
 #include "persistence/database/lyra_file.h"
 #include "persistence/database/lyra_lock.h"
 #include "support/exceptions.h"
@@ -40,12 +42,15 @@ bool HasFiniteNumbers(const Design& design) {
   });
 }
 
+void Extend(Bounds& bounds, double number) {
+  bounds.first = std::min(bounds.first, number);
+  bounds.second = std::max(bounds.second, number);
+}
+
 void Extend(LYRA::BoundsByName& bounds, const std::wstring& name, const CDesignEntry& entry) {
   const std::optional<double> number = NumberOf(entry);
   if (!number || std::isnan(*number)) return;
-  auto& [lower, upper] = bounds.try_emplace(name, *number, *number).first->second;
-  lower = std::min(lower, *number);
-  upper = std::max(upper, *number);
+  Extend(bounds.try_emplace(name, *number, *number).first->second, *number);
 }
 
 }  // namespace
@@ -90,12 +95,25 @@ std::vector<std::wstring> LYRA::GetParameterNames() const { return getParameterN
 std::vector<std::wstring> LYRA::GetResponseNames() const { return getResponseNames(design_container_); }
 
 LYRA::BoundsByName LYRA::GetParameterSamplingBounds() const {
-  BoundsByName bounds;
+  NameIndex known;
+  std::vector<BoundsByName::value_type> sampled;  // in the order of `known`
   for (const Design& design : design_container_) {
     if (deactivated_designs_.count(design.GetId()) != 0 || !HasFiniteNumbers(design)) continue;
-    for (const auto& [name, entry] : design.GetParameters()) Extend(bounds, name, entry);
+    std::size_t position = NameIndex::kUnknown;
+    for (const auto& [name, entry] : design.GetParameters()) {
+      const std::optional<double> number = NumberOf(entry);
+      if (!number || std::isnan(*number)) continue;
+      position = known.Find(name, position + 1);
+      if (position == NameIndex::kUnknown) {
+        position = sampled.size();
+        known.Append(name);
+        sampled.emplace_back(name, Bounds(*number, *number));
+      } else {
+        Extend(sampled[position].second, *number);
+      }
+    }
   }
-  return bounds;
+  return {sampled.begin(), sampled.end()};
 }
 
 LYRA::BoundsByName LYRA::GetParameterBounds() const {
