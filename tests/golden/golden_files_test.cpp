@@ -5,8 +5,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <fstream>
-#include <iterator>
 #include <memory>
 
 #include "datatypes/results/optimization_information.h"
@@ -14,6 +12,7 @@
 #include "datatypes/results/zor_information.h"
 #include "golden/monitoring_files.h"
 #include "golden/plain_walk.h"
+#include "golden/read_golden.h"
 #include "persistence/database/lyra_file.h"
 #include "zor_api.h"
 
@@ -29,32 +28,6 @@ using algorithm::datatypes::Design;
 using algorithm::datatypes::LYRA;
 using OptimizationInformation = AlgorithmInfo::OptimizationInformation;
 using ReliabilityInformation = AlgorithmInfo::ReliabilityInformation;
-
-std::string CommittedPath(const std::string& name) { return std::string(ZOR_TEST_DATA) + "/" + name; }
-
-std::string Committed(const std::string& name) {
-  std::ifstream file(CommittedPath(name), std::ios::binary);
-  EXPECT_TRUE(file) << name;
-  return {std::istreambuf_iterator<char>(file), {}};
-}
-
-/// Empties the texts of the meta data that tell of the library's version and build and of the time of writing. An entry
-/// is its key and, behind the check word of "second", its value; both texts are shorter than 16384 bytes, so that their
-/// length is one word.
-std::string WithoutStamps(std::string bytes) {
-  for (const std::string key :
-       {"quillMark version", "quillMark version_full", "quillMark suffix", "quillMark build date", "last_write_time"}) {
-    const std::string stored = std::string{static_cast<char>(key.size()), '\0'} + key;
-    const std::size_t found = bytes.find(stored);
-    EXPECT_NE(found, std::string::npos) << key;
-    if (found == std::string::npos) continue;
-    const std::size_t length = found + stored.size() + 2;
-    const auto size =
-        static_cast<unsigned char>(bytes.at(length)) + 256U * static_cast<unsigned char>(bytes.at(length + 1));
-    bytes.replace(length, 2 + size, 2, '\0');
-  }
-  return bytes;
-}
 
 /// Takes the JSON header off a monitoring file, without what tells of the library's version, the time and the user.
 Json::Value TakeHeader(std::string& bytes) {

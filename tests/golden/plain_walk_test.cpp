@@ -2,9 +2,10 @@
 
 #include <gtest/gtest.h>
 
-#include <fstream>
-#include <iterator>
 #include <map>
+#include <string>
+
+#include "golden/read_golden.h"
 
 // Stored models read a second time, without the serialization engine: what stands in them is what the format says.
 
@@ -14,10 +15,8 @@ namespace {
 using Values = std::map<std::string, std::string>;
 
 Values Walk(const std::string& name) {
-  std::ifstream file(std::string(ZOR_TEST_DATA) + "/stored_model/" + name, std::ios::binary);
-  const std::string bytes{std::istreambuf_iterator<char>(file), {}};
   Values values;
-  for (const PlainValue& value : WalkStoredModel(bytes)) {
+  for (const PlainValue& value : WalkStoredModel(Committed("stored_model/" + name))) {
     EXPECT_TRUE(values.emplace(value.path, value.text).second) << value.path << " stands there twice";
   }
   return values;
