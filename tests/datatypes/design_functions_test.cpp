@@ -236,7 +236,7 @@ TEST(ExtractParameters, WidensAConstantColumnByItsSize) {
   utils::log::LogDummy log;
   const math::Matrix constant = math::Matrix::Constant(3, 1, -20.0);
   const DesignManager manager = CreateDesignsFromMatrices({L"a"}, constant, {L"y"}, constant);
-  const Parameter& parameter = extractParametersFromDesigns(manager, log).GetParameter(L"a");
+  const Parameter parameter = extractParametersFromDesigns(manager, log).GetParameter(L"a");
   EXPECT_DOUBLE_EQ(ToNumber(parameter.GetLowerBound()), -22.0);
   EXPECT_DOUBLE_EQ(ToNumber(parameter.GetUpperBound()), -18.0);
   EXPECT_TRUE(extractParametersFromDesigns(manager, log, 0.0, 0.0).GetParameter(L"a").HasBounds());
