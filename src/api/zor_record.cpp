@@ -101,9 +101,10 @@ std::uint64_t NumberOfWorkers(std::uint64_t wanted) {
   return hardware != 0 ? hardware : 1;
 }
 
-zor_model_type ModelTypeOf(const SurrogateBase* surrogate) {
-  if (dynamic_cast<const kestrel::math::metamodel::LinearRegression*>(surrogate)) return zor_model_polynomial;
-  return zor_model_none;
+ZOR::ModelNumber ModelTypeOf(const SurrogateBase* surrogate) {
+  if (dynamic_cast<const kestrel::math::metamodel::LinearRegression*>(surrogate))
+    return ZOR::ModelNumber{zor_model_polynomial};
+  return ZOR::ModelNumber{zor_model_none};
 }
 
 std::vector<std::uint32_t> Narrowed(const kestrel::math::metamodel::Subsets& subsets) {
@@ -192,7 +193,7 @@ void ZOR::FillZORData(const LYRA& lyra) {
   Require(infos.size() == num_outputs_, "ZOR information has wrong sizes.");
   cop_per_output_.assign(infos.size(), kUnknown);
   single_cops_per_output_.assign(infos.size(), std::vector<double>(num_inputs_, kUnknown));
-  model_per_output_.assign(infos.size(), zor_model_none);
+  model_per_output_.assign(infos.size(), ModelNumber{zor_model_none});
   cv_indexes_per_output_.assign(infos.size(), {});
   surrogate_per_output_.assign(infos.size(), nullptr);
   for (std::size_t i = 0; i < infos.size(); ++i) {
@@ -237,9 +238,9 @@ void ZOR::CheckOutput(std::size_t output, const SurrogateInfo& info, const ZORIn
   const kestrel::math::Vector& stored_cops = appraisal.GetSingleCoPs();
   const bool has_cops = stored_cops.size() > 0;
   // The caller's buffer has one place per input.
-  Require(single_cops.size() == num_inputs_ &&
-              (!has_cops || static_cast<std::uint64_t>(stored_cops.size()) == num_inputs_),
-          "Single CoP do not match.");
+  Require(
+      single_cops.size() == num_inputs_ && (!has_cops || static_cast<std::uint64_t>(stored_cops.size()) == num_inputs_),
+      "Single CoP do not match.");
   Require(!has_cops || AreNear(single_cops, stored_cops), "Current single CoP does not match.");
   const std::vector<std::uint32_t>& indexes = cv_indexes_per_output_[output];
   const auto& stored_indexes = information.GetCVIndexes().at(info.GetResponseComponentName());

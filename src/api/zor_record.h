@@ -24,6 +24,9 @@
 /// The mutex is only ever taken shared, by what changes or builds: it marks these calls, it does not serialise them.
 struct ZOR {
  public:
+  /// A value of `zor_model_type`. Its type is fixed, so that it may hold whatever number a file gives.
+  enum class ModelNumber : std::int32_t {};
+
   ZOR();
   ZOR(const ZOR&) = delete;
   ZOR& operator=(const ZOR&) = delete;
@@ -74,7 +77,7 @@ struct ZOR {
   // Per output, while built.
   std::vector<double> cop_per_output_;
   std::vector<std::vector<double>> single_cops_per_output_;  ///< one per input
-  std::vector<zor_model_type> model_per_output_;
+  std::vector<ModelNumber> model_per_output_;
   std::vector<std::vector<std::uint32_t>> cv_indexes_per_output_;  ///< per design of the model; empty: leave one out
   std::vector<std::shared_ptr<kestrel::math::metamodel::SurrogateBase>> surrogate_per_output_;
   std::string report_;  ///< of the build, UTF-8; not stored
