@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <limits>
 
+#include "datatypes/parameter_bounds.h"
 #include "datatypes/type_names.h"
 
 namespace kestrel::zor {
@@ -25,6 +26,7 @@ constexpr std::size_t kCountWidth = 16;
 constexpr std::size_t kNumberWidth = 12;
 
 constexpr int kDigits = 6;
+constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
 
 std::wstring Padding(std::size_t used, std::size_t width) {
   return std::wstring(used < width ? width - used : 0, L' ');
@@ -42,13 +44,6 @@ std::wstring FormatNumber(double value) {
 
 std::wstring FormatRange(const std::pair<double, double>& range) {
   return (boost::wformat(L"[%1% / %2%]") % FormatNumber(range.first) % FormatNumber(range.second)).str();
-}
-
-std::pair<double, double> BoundsOf(const Parameter& parameter) {
-  constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
-  if (!parameter.HasBounds()) return {kNan, kNan};
-  return {ConvertDesignpointEntry<double>(parameter.GetLowerBound()),
-          ConvertDesignpointEntry<double>(parameter.GetUpperBound())};
 }
 
 /// "a, b)": the end of a line that opened the bracket.
@@ -123,7 +118,7 @@ void SaveSamplingInformation(const algorithm::datatypes::ParameterManager& param
   std::size_t position = 0;
   for (const Parameter& parameter : parameters.GetParameters()) {
     log.Information() << Padded(parameter.GetName(), kNameWidth)
-                      << Padded(FormatRange(BoundsOf(parameter)), kRangeWidth)
+                      << Padded(FormatRange(NumberBoundsOf(parameter).value_or(std::pair(kNan, kNan))), kRangeWidth)
                       << FormatRange(sampling_bounds.at(position++));
   }
   PrintDistributions(parameters, sampling_bounds, log);

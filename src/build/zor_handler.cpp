@@ -9,9 +9,11 @@
 #include <map>
 #include <utility>
 
+#include "build/error_lines.h"
 #include "build/zor_task.h"
 #include "build/zor_task_pool.h"
 #include "datatypes/design_functions.h"
+#include "datatypes/parameter_bounds.h"
 #include "statistics/random.h"
 #include "support/exceptions.h"
 
@@ -28,16 +30,10 @@ using math::metamodel::SubspaceResultContainer;
 using utils::log::LogBase;
 using utils::log::LogLevel;
 
+constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
+
 constexpr LogLevel kAllLevels[] = {LogLevel::kError,       LogLevel::kDebug, LogLevel::kWarning,
                                    LogLevel::kInformation, LogLevel::kTrace, LogLevel::kDetailedInformation};
-
-std::wstring ErrorLines(const utils::log::VectorLog& log) {
-  std::wstring lines;
-  for (const auto& [level, text] : log.GetEntries()) {
-    if (level == LogLevel::kError) lines += (lines.empty() ? L"" : L"\n") + text;
-  }
-  return lines;
-}
 
 /// The messages of one task, kept apart until its response is collected. Levels that nobody reads are not composed.
 struct TaskLog {
@@ -50,13 +46,6 @@ struct TaskLog {
   std::shared_ptr<utils::log::VectorLog> messages = std::make_shared<utils::log::VectorLog>();
   std::shared_ptr<LogBase> filter;
 };
-
-std::pair<double, double> BoundsOf(const algorithm::datatypes::Parameter& parameter) {
-  constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
-  if (!parameter.HasBounds()) return {kNan, kNan};
-  return {ConvertDesignpointEntry<double>(parameter.GetLowerBound()),
-          ConvertDesignpointEntry<double>(parameter.GetUpperBound())};
-}
 
 /// Drops what the record does not keep: designs that did not count, responses of the black list, parameters that took
 /// no part.
@@ -197,7 +186,8 @@ void CZORHandler::PrepareInformation() {
   fresh.parameter_names_ = input_names_;
   fresh.sampling_limits_ = SamplingBounds();
   for (const std::wstring& name : input_names_) {
-    fresh.defined_limits_.push_back(BoundsOf(fresh.parameter_manager_.GetParameter(name)));
+    fresh.defined_limits_.push_back(
+        NumberBoundsOf(fresh.parameter_manager_.GetParameter(name)).value_or(std::pair(kNan, kNan)));
   }
   fresh.calculated_models_ = std::make_shared<SubspaceResultContainer>();
   fresh.best_models_ = std::make_shared<SubspaceResultContainer>();

@@ -3,7 +3,6 @@
 #include <boost/atomic/atomic.hpp>
 #include <cstdint>
 #include <functional>
-#include <list>
 #include <memory>
 #include <string>
 #include <utility>

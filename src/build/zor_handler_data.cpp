@@ -8,6 +8,7 @@
 #include <map>
 #include <utility>
 
+#include "build/error_lines.h"
 #include "build/zor_handler.h"
 #include "datatypes/design_functions.h"
 #include "datatypes/design_matrices.h"
@@ -34,14 +35,6 @@ constexpr std::size_t kMinDesigns = 2;
 bool Refuse(LogBase& log, const std::wstring& reason) {
   log.Error() << reason;
   return false;
-}
-
-std::wstring ErrorLines(const utils::log::VectorLog& log) {
-  std::wstring lines;
-  for (const auto& [level, text] : log.GetEntries()) {
-    if (level == utils::log::LogLevel::kError) lines += text + L"\n";
-  }
-  return lines;
 }
 
 bool Contains(const Names& names, const std::wstring& name) {
@@ -234,7 +227,7 @@ void CZORHandler::SetData(LogBase& log) {
   utils::log::VectorLog messages;
   const bool usable = PrepareData(messages);
   messages.Forward(log);
-  if (!usable) throw utils::runtime_error(ErrorLines(messages) + L"Given data is invalid.");
+  if (!usable) throw utils::runtime_error(ErrorLines(messages) + L"\nGiven data is invalid.");
 }
 
 std::vector<std::wstring> CZORHandler::ExtractResponsesBlackList(LogBase& log) const {
@@ -343,13 +336,14 @@ bool CZORHandler::PrepareInputs(LogBase& log) {
     if (!parameter.IsNominalDiscrete()) continue;
     return Refuse(log, L"Error: Unable to handle nominal discrete parameter " + parameter.GetName());
   }
-  input_names_ = GetNonConstParameterManager().GetNames();
+  const Parameters inputs = GetNonConstParameterManager();
+  input_names_ = inputs.GetNames();
   if (input_names_.empty()) return Refuse(log, L"There are no parameters a ZOR can be found for.");
   const Designs& designs = lyra_.GetDesignContainer();
   if (!Designs::HasUniqueIds(designs)) {
     return Refuse(log, L"Designs are inconsistent. ZOR can not handle designs with ambiguous Ids.");
   }
-  points_ = algorithm::datatypes::ConvertParametersToMatrix(designs, input_names_)(rows_, Eigen::all);
+  points_ = GetZorPoints(inputs, designs)(rows_, Eigen::all);
   values_ = ResponseValues(designs);
   SetResponsesBoundaries();
   return true;

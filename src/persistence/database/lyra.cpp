@@ -11,6 +11,7 @@
 
 #include "datatypes/design_functions.h"
 #include "datatypes/name_index.h"
+#include "datatypes/parameter_bounds.h"
 #include "persistence/database/lyra_file.h"
 #include "persistence/database/lyra_lock.h"
 #include "support/exceptions.h"
@@ -19,20 +20,6 @@ namespace kestrel::algorithm::datatypes {
 namespace {
 
 using Bounds = std::pair<double, double>;
-constexpr double kInfinity = std::numeric_limits<double>::infinity();
-
-/// The value of a cell that holds a real number; none for a text, a vector and the like.
-std::optional<double> NumberOf(const CDesignEntry& entry) {
-  switch (entry.GetDomainType()) {
-    case enums::DesignEntry::BOOL:
-    case enums::DesignEntry::REAL:
-    case enums::DesignEntry::INTEGER: return ConvertDesignpointEntry<double>(entry);
-    case enums::DesignEntry::VARIANT:
-      if (entry.IsScalarType()) return ConvertDesignpointEntry<double>(entry);
-      return std::nullopt;
-    default: return std::nullopt;
-  }
-}
 
 bool HasFiniteNumbers(const Design& design) {
   const auto& parameters = design.GetParameters().GetSequence();
@@ -45,12 +32,6 @@ bool HasFiniteNumbers(const Design& design) {
 void Extend(Bounds& bounds, double number) {
   bounds.first = std::min(bounds.first, number);
   bounds.second = std::max(bounds.second, number);
-}
-
-void Extend(LYRA::BoundsByName& bounds, const std::wstring& name, const CDesignEntry& entry) {
-  const std::optional<double> number = NumberOf(entry);
-  if (!number || std::isnan(*number)) return;
-  Extend(bounds.try_emplace(name, *number, *number).first->second, *number);
 }
 
 }  // namespace
@@ -119,12 +100,7 @@ LYRA::BoundsByName LYRA::GetParameterSamplingBounds() const {
 LYRA::BoundsByName LYRA::GetParameterBounds() const {
   BoundsByName bounds;
   for (const Parameter& parameter : parameter_manager_.GetParameters()) {
-    if (!parameter.IsOptimization()) continue;
-    const DeterministicProperties& property = parameter.GetDeterministicProperties().front().second;
-    for (const CDesignEntry& state : property.GetDiscreteStates()) Extend(bounds, parameter.GetName(), state);
-    if (property.IsDiscrete()) continue;
-    bounds[parameter.GetName()] = Bounds(NumberOf(property.GetLowerBound()).value_or(-kInfinity),
-                                         NumberOf(property.GetUpperBound()).value_or(kInfinity));
+    if (const auto numbers = NumberBoundsOf(parameter)) bounds[parameter.GetName()] = *numbers;
   }
   return bounds;
 }
