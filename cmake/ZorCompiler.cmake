@@ -3,7 +3,9 @@ include_guard()
 
 find_program(ZOR_CCACHE ccache)
 if(ZOR_CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
-  set(CMAKE_CXX_COMPILER_LAUNCHER ${ZOR_CCACHE})
+  # Without this it would not keep what is compiled with precompiled headers.
+  set(CMAKE_CXX_COMPILER_LAUNCHER ${CMAKE_COMMAND} -E env CCACHE_SLOPPINESS=pch_defines,time_macros ${ZOR_CCACHE})
+  add_compile_options($<$<COMPILE_LANG_AND_ID:CXX,GNU>:-fpch-preprocess>)
 endif()
 
 if(ZOR_SANITIZE)
