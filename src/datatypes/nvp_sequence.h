@@ -4,11 +4,11 @@
 #include <boost/format.hpp>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <list>
 #include <new>
 #include <string>
 #include <type_traits>
-#include <unordered_set>
 #include <utility>
 #include <vector>
 
@@ -141,10 +141,11 @@ CNVPSequence<K, V, I> CNVPSequence<K, V, I>::ExtractInOrder(const std::vector<K>
 
 template <class K, class V, class I>
 bool CNVPSequence<K, V, I>::NamesAreUnique() const {
-  std::unordered_set<const std::wstring*> texts;  // equal names share one text, so its address tells
+  std::vector<const std::wstring*> texts;  // equal names share one text, so its address tells
   texts.reserve(seq_.size());
-  return std::all_of(seq_.begin(), seq_.end(),
-                     [&](const value_type& p) { return texts.insert(&p.first.str()).second; });
+  for (const value_type& pair : seq_) texts.push_back(&pair.first.str());
+  std::sort(texts.begin(), texts.end(), std::less<>());
+  return std::adjacent_find(texts.begin(), texts.end()) == texts.end();
 }
 
 }  // namespace kestrel

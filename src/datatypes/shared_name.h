@@ -4,8 +4,10 @@
 #include <boost/serialization/level.hpp>
 #include <boost/serialization/split_free.hpp>
 #include <boost/serialization/tracking.hpp>
+#include <cstddef>
 #include <ostream>
 #include <string>
+#include <vector>
 
 namespace kestrel {
 
@@ -31,6 +33,30 @@ class SharedName {
   boost::flyweight<std::wstring> text_;
 };
 
+/// Lives in the helper collection of an archive that is read. A table of designs repeats its names in one order, so the
+/// name behind the last one is tried before the text is searched for among all shared names.
+class SharedNameMemory {
+ public:
+  static void* HelperId() {
+    static char id = 0;
+    return &id;
+  }
+
+  const SharedName& Share(const std::wstring& text) {
+    if (next_ == names_.size()) next_ = 0;
+    if (next_ < names_.size() && names_[next_] == text) return names_[next_++];
+    if (names_.size() == kMostNames) names_.clear();
+    next_ = names_.size() + 1;
+    return names_.emplace_back(text);
+  }
+
+ private:
+  static constexpr std::size_t kMostNames = 4096;
+
+  std::vector<SharedName> names_;
+  std::size_t next_ = 0;
+};
+
 }  // namespace kestrel
 
 // In files a shared name is its text alone, with neither class information nor tracking.
@@ -48,7 +74,8 @@ template <class Archive>
 void load(Archive& archive, kestrel::SharedName& name, unsigned int) {
   std::wstring text;
   archive >> text;
-  name = text;
+  using Memory = kestrel::SharedNameMemory;
+  name = archive.template get_helper<Memory>(Memory::HelperId()).Share(text);
 }
 
 template <class Archive>

@@ -3,6 +3,7 @@
 #include "persistence/archive/archive_format.h"
 #include "persistence/archive/name_checksums.h"
 #include "persistence/archive/primitive_types.h"
+#include "persistence/archive/save_tables.h"
 
 #include <boost/archive/basic_binary_oprimitive.hpp>
 #include <boost/archive/detail/common_oarchive.hpp>
@@ -24,6 +25,7 @@ class portable_binary_oarchive
       public portable_binary_archive_impl::AnnotationSwitch {
   using Engine = boost::archive::detail::common_oarchive<portable_binary_oarchive>;
   using Primitive = boost::archive::basic_binary_oprimitive<portable_binary_oarchive, char, std::char_traits<char>>;
+  using Tables = portable_binary_archive_impl::SaveTables;
 
  public:
   /// @param flags  those of the engine (no_header: neither header nor annotations) and, in the bits 0x3000, the kind of
@@ -45,6 +47,12 @@ class portable_binary_oarchive
   void store_native(unsigned long bits);
 
   boost::serialization::library_version_type get_library_version() const;
+
+  // What the engine calls for objects and pointers, in the place of its own.
+
+  void register_basic_serializer(const Tables::Serializer& serializer) { tables_.Register(serializer); }
+  void save_object(const void* object, const Tables::Serializer& serializer);
+  void save_pointer(const void* object, const Tables::PointerSerializer* pointer_serializer);
 
   template <class T, std::enable_if_t<std::is_integral_v<T>, int> = 0>
   void save(T value) {
@@ -77,6 +85,12 @@ class portable_binary_oarchive
   friend class boost::archive::detail::interface_oarchive<portable_binary_oarchive>;
   friend class boost::archive::save_access;
 
+  /// The object that save_pointer has announced and whose data come next.
+  struct Pending {
+    const void* object = nullptr;
+    const Tables::Serializer* serializer = nullptr;
+  };
+
   template <class T>
   void save_override(T& value) {
     Engine::save_override(value);
@@ -93,10 +107,14 @@ class portable_binary_oarchive
   void WriteHeader();
   void WriteWord(unsigned word);
   void WriteAnnotation(const char* name);
+  void WritePreamble(const Tables::Serializer& serializer, std::size_t class_id);
+  void SaveClassName(const Tables::Serializer& serializer);
 
   portable_binary_archive_impl::AnnotationMode mode_;
   unsigned annotations_disabled_ = 0;
   portable_binary_archive_impl::NameChecksums checksums_;
+  Tables tables_;
+  Pending pending_;
 };
 
 }  // namespace kestrel
