@@ -15,7 +15,7 @@ namespace kestrel {
 /// inputs and outputs recur in every design, and a table of designs would otherwise consist of their copies.
 class SharedName {
  public:
-  SharedName() = default;
+  SharedName() : SharedName(Empty()) {}
   SharedName(const std::wstring& text) : text_(text) {}  // NOLINT(google-explicit-constructor): stands for the text
   SharedName(const wchar_t* text) : text_(text) {}       // NOLINT(google-explicit-constructor)
 
@@ -30,6 +30,12 @@ class SharedName {
   friend std::wostream& operator<<(std::wostream& stream, const SharedName& name) { return stream << name.str(); }
 
  private:
+  /// To be copied: a copy does not search for the text, which containers that are read would do for each element.
+  static const SharedName& Empty() {
+    static const SharedName empty{std::wstring()};
+    return empty;
+  }
+
   boost::flyweight<std::wstring> text_;
 };
 

@@ -129,6 +129,8 @@ bool IsKeywordIf(std::wstring_view name) {
 }  // namespace
 
 std::wstring from_utf8(std::string_view text, EUTF8ConversionErrorMode mode, wchar_t replacement) {
+  const auto is_ascii = [](char c) { return static_cast<signed char>(c) > 0; };  // a NUL ends the text
+  if (std::all_of(text.begin(), text.end(), is_ascii)) return std::wstring(text.begin(), text.end());
   return ConvertAll(text, mode, std::wstring(1, replacement), Decode);
 }
 

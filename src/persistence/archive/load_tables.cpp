@@ -8,13 +8,13 @@ namespace kestrel::portable_binary_archive_impl {
 
 std::size_t LoadTables::Register(const Serializer& serializer) {
   constexpr std::size_t kMostClasses = std::numeric_limits<std::int16_t>::max();
-  const auto [entry, is_new] = class_ids_.try_emplace(&serializer, classes_.size());
+  const auto [id, is_new] = class_numbers_.Add(&serializer);
   if (is_new) {
     using boost::archive::archive_exception;
     if (classes_.size() == kMostClasses) throw archive_exception(archive_exception::input_stream_error);
     classes_.push_back({&serializer});
   }
-  return entry->second;
+  return id;
 }
 
 void LoadTables::MoveObjects(std::size_t first, const void* from, const void* to, std::size_t size) {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "persistence/archive/address_numbers.h"
+
 #include <boost/archive/detail/basic_iserializer.hpp>
 #include <boost/archive/detail/basic_pointer_iserializer.hpp>
 #include <boost/smart_ptr/shared_ptr.hpp>
@@ -53,7 +55,7 @@ class LoadTables {
 
  private:
   std::vector<Class> classes_;
-  std::unordered_map<const Serializer*, std::size_t> class_ids_;
+  AddressNumbers class_numbers_;
   std::vector<Object> objects_;
   std::unordered_map<std::size_t, std::shared_ptr<void>> std_owners_;
   std::unordered_map<std::size_t, boost::shared_ptr<void>> boost_owners_;

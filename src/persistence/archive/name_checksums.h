@@ -20,7 +20,8 @@ class NameChecksums {
   };
 
   Slot& operator[](const char* name) {
-    Slot& slot = slots_[reinterpret_cast<std::uintptr_t>(name) / 4 % slots_.size()];
+    constexpr std::uint64_t kGoldenRatio = 0x9E3779B97F4A7C15;  // of 2^64: Fibonacci hashing (Knuth)
+    Slot& slot = slots_[reinterpret_cast<std::uintptr_t>(name) * kGoldenRatio >> (64 - kSlotBits)];
     if (std::strcmp(slot.name.c_str(), name) != 0) {
       slot.name = name;
       slot.checksum = Crc16(slot.name.data(), slot.name.size(), 0);
@@ -30,7 +31,9 @@ class NameChecksums {
   }
 
  private:
-  std::array<Slot, 256> slots_;  // an empty name has the checksum 0, as the empty slots say
+  static constexpr unsigned kSlotBits = 9;
+
+  std::array<Slot, 1U << kSlotBits> slots_;  // an empty name has the checksum 0, as the empty slots say
 };
 
 }  // namespace kestrel::portable_binary_archive_impl

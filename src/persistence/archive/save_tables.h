@@ -1,11 +1,12 @@
 #pragma once
 
+#include "persistence/archive/address_numbers.h"
+
 #include <boost/archive/detail/basic_oserializer.hpp>
 #include <boost/archive/detail/basic_pointer_oserializer.hpp>
 
 #include <cstddef>
 #include <cstdint>
-#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -29,29 +30,19 @@ class SaveTables {
   /// The number of a class; it enters the table if it is new. Raises an archive exception when the numbers run out.
   std::size_t Register(const Serializer& serializer);
 
-  /// The number of an object and whether it is new. An object is an address and a class: the first member of an object
-  /// stands at the address of the whole.
-  std::pair<std::uint32_t, bool> AddObject(const void* address, std::size_t class_id);
+  /// The number of an object and whether it is new.
+  std::pair<std::uint32_t, bool> AddObject(const void* address, std::size_t class_id) {
+    return object_numbers_.Add(address, static_cast<std::uint32_t>(class_id));
+  }
 
   /// Such an object may not be written by value later on.
   void MarkStoredByPointer(std::uint32_t id);
   bool IsStoredByPointer(std::uint32_t id) const { return id < by_pointer_.size() && by_pointer_[id]; }
 
  private:
-  struct Object {
-    const void* address = nullptr;  ///< null: a free place
-    std::uint32_t class_id = 0;
-    std::uint32_t id = 0;
-  };
-
-  /// Where the object stands, or the free place for it: linear probing in a table that is at most half full.
-  Object& Find(const void* address, std::size_t class_id);
-  void Grow();
-
   std::vector<Class> classes_;
-  std::unordered_map<const Serializer*, std::size_t> class_ids_;
-  std::vector<Object> objects_;  // a power of two of them
-  std::uint32_t object_count_ = 0;
+  AddressNumbers class_numbers_;
+  AddressNumbers object_numbers_;
   std::vector<bool> by_pointer_;
 };
 
