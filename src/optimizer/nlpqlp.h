@@ -1,16 +1,11 @@
 #pragma once
 
-#include <Eigen/Core>
-
+#include "optimizer/nlpqlp_solver.h"
 #include "support/linear_algebra.h"
 
 namespace kestrel::algorithm::optimizer {
 
-using math::Index;
-using math::Matrix;
 using math::MatrixIn;
-using math::Vector;
-using math::VectorIn;
 
 /// Owns the arguments and work arrays of the sequential quadratic programming solver (nlpqlp_solver.h) for
 ///
@@ -34,9 +29,6 @@ using math::VectorIn;
 /// a start that cannot be evaluated ends the run. The points asked for lie within the bounds.
 class NLPQLP {
  public:
-  using IntegerVector = Eigen::VectorXi;
-  using FlagVector = Eigen::Array<bool, Eigen::Dynamic, 1>;
-
   NLPQLP(int inputs, int equalities, int inequalities, int parallel_searches);
 
   /// n x 1 or 1 x n. Raises utils::runtime_error if the number of entries differs.

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstdint>
-#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -114,19 +113,21 @@ class OptimizerBase {
   std::shared_ptr<utils::log::LogBase> log_;
 
  private:
-  void Guarded(const std::function<void()>& step, const wchar_t* failure) const;
+  template <class Step>
+  void Guarded(Step step, const wchar_t* failure) const;
+  void CheckAndInitialize(const OptimizerSettingsBase& settings);
   void RequireHandedOut(const wchar_t* operation) const;
-  void RequireSets(const MatrixIn& values, std::uint64_t dimension, const wchar_t* what) const;
+  void RequireSets(const MatrixIn& values, Index dimension, const wchar_t* what) const;
   void CheckNumbersOfDesigns() const;
   void CheckDesignsFinite() const;
   void CheckResponsesFinite() const;
   void CheckFinite(const MatrixIn& values, const wchar_t* what) const;
 
   eOptimizerState state_ = eOptimizerState::kNotInitialized;
-  std::uint64_t num_inputs_ = 0;
-  std::uint64_t num_objectives_ = 0;
-  std::uint64_t num_equalities_ = 0;
-  std::uint64_t num_inequalities_ = 0;
+  Index num_inputs_ = 0;
+  Index num_objectives_ = 0;
+  Index num_equalities_ = 0;
+  Index num_inequalities_ = 0;
 };
 
 extern template class OptimizerBase<double>;

@@ -1,0 +1,92 @@
+#pragma once
+
+#include "support/linear_algebra.h"
+
+namespace kestrel::algorithm::optimizer {
+
+using math::Index;
+using math::Vector;
+
+/// What the solver has asked for and waits for.
+enum class ePhase : int { kStartValues = 0, kTrialValues = 1, kGradients = 2, kEnded = 3 };
+
+/// Hands out stretches of an array one after the other.
+class ArrayCutter {
+ public:
+  explicit ArrayCutter(Eigen::Ref<Vector> array) : next_(array.data()) {}
+
+  Eigen::Map<Vector> Take(Index count) {
+    next_ += count;
+    return {next_ - count, count};
+  }
+  double& TakeOne() { return *next_++; }
+
+ private:
+  double* next_;
+};
+
+/// What the solver remembers from call to call, laid over its work arrays, which outlive it: n inputs, m constraints.
+struct SolverMemory {
+  using Numbers = Eigen::Map<Vector>;
+
+  /// Entries that the two work arrays need.
+  static constexpr Index WorkLength(Index n, Index m, Index max_merits) { return 5 * n + 5 * m + max_merits + 6; }
+  static constexpr Index kIntegerWorkLength = 8;
+
+  SolverMemory(Index n, Index m, Index max_merits, ArrayCutter work, Eigen::Ref<Eigen::VectorXi> integers)
+      : iterate(work.Take(n)),
+        step(work.Take(n)),
+        lagrangian_gradient(work.Take(n)),
+        start_diagonal(work.Take(n)),
+        best(work.Take(n)),
+        constraints(work.Take(m)),
+        program_multipliers(work.Take(m)),
+        multipliers(work.Take(m)),
+        penalties(work.Take(m)),
+        best_constraints(work.Take(m)),
+        merits(work.Take(max_merits)),
+        objective(work.TakeOne()),
+        best_objective(work.TakeOne()),
+        merit(work.TakeOne()),
+        slope(work.TakeOne()),
+        length(work.TakeOne()),
+        penalty_bound(work.TakeOne()),
+        phase(integers(0)),
+        awaited_points(integers(1)),
+        iterations(integers(2)),
+        function_calls(integers(3)),
+        search_calls(integers(4)),
+        num_merits(integers(5)),
+        is_fresh(integers(6)),
+        has_best(integers(7)) {}
+
+  Numbers iterate;              ///< x
+  Numbers step;                 ///< d, the solution of the quadratic program at x
+  Numbers lagrangian_gradient;  ///< f' - u' c' at x
+  Numbers start_diagonal;       ///< of the quasi-Newton matrix
+  Numbers best;                 ///< the best point met
+  Numbers constraints;          ///< c at x
+  Numbers program_multipliers;  ///< u, of the quadratic program
+  Numbers multipliers;          ///< v, of the merit function
+  Numbers penalties;            ///< r
+  Numbers best_constraints;     ///< c at the best point
+  Numbers merits;               ///< of the last iterates, in a ring
+
+  double& objective;       ///< f at x
+  double& best_objective;  ///< f at the best point
+  double& merit;           ///< psi at x
+  double& slope;           ///< its derivative along the step
+  double& length;          ///< of the (first) trial step, as a share of d
+  double& penalty_bound;   ///< above it a penalty leads to a restart
+
+  int& phase;
+  int& awaited_points;
+  int& iterations;
+  int& function_calls;  ///< rounds of function values
+  int& search_calls;    ///< of these, in the present line search
+  int& num_merits;      ///< number of merits put into the ring
+  int& is_fresh;        ///< 1 while the quasi-Newton matrix is the starting one
+  int& has_best;        ///< 1 once a point was evaluated
+};
+
+}  // namespace kestrel::algorithm::optimizer
