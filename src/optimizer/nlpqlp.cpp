@@ -87,8 +87,8 @@ void NLPQLP::Clear() {
   if (!LQL) D.setOnes();  // it held the factor of the last matrix
 }
 
-Index NLPQLP::GetNumAwaitedPoints() const { return KWA(1); }
-int NLPQLP::GetNumIterations() const { return KWA(2); }
-int NLPQLP::GetNumFunctionCalls() const { return KWA(3); }
+Index NLPQLP::GetNumAwaitedPoints() const { return KWA(SolverMemory::kAwaitedPoints); }
+int NLPQLP::GetNumIterations() const { return KWA(SolverMemory::kIterations); }
+int NLPQLP::GetNumFunctionCalls() const { return KWA(SolverMemory::kFunctionCalls); }
 
 }  // namespace kestrel::algorithm::optimizer

@@ -55,7 +55,7 @@ void OptimizerBase<Real>::Initialize(const OptimizerSettingsBase& settings) {
   state_ = State::kNotInitialized;
   Guarded([&] { CheckAndInitialize(settings); },
           L"The optimizer algorithm can not be initialized. An error in the settings is very likely.");
-  state_ = State::kInitialized;
+  state_ = IsTerminatedImpl() ? State::kTerminated : State::kInitialized;
 }
 
 /// The lines at error level that the check of the settings logs become the message of a refusal.

@@ -32,6 +32,17 @@ struct SolverMemory {
   /// Entries that the two work arrays need.
   static constexpr Index WorkLength(Index n, Index m, Index max_merits) { return 5 * n + 5 * m + max_merits + 6; }
   static constexpr Index kIntegerWorkLength = 8;
+  /// Where the integers stand in their array.
+  enum Position : Index {
+    kPhase,
+    kAwaitedPoints,
+    kIterations,
+    kFunctionCalls,
+    kSearchCalls,
+    kNumMerits,
+    kIsFresh,
+    kHasBest
+  };
 
   SolverMemory(Index n, Index m, Index max_merits, ArrayCutter work, Eigen::Ref<Eigen::VectorXi> integers)
       : iterate(work.Take(n)),
@@ -44,21 +55,21 @@ struct SolverMemory {
         multipliers(work.Take(m)),
         penalties(work.Take(m)),
         best_constraints(work.Take(m)),
-        merits(work.Take(max_merits)),
         objective(work.TakeOne()),
         best_objective(work.TakeOne()),
         merit(work.TakeOne()),
         slope(work.TakeOne()),
         length(work.TakeOne()),
         penalty_bound(work.TakeOne()),
-        phase(integers(0)),
-        awaited_points(integers(1)),
-        iterations(integers(2)),
-        function_calls(integers(3)),
-        search_calls(integers(4)),
-        num_merits(integers(5)),
-        is_fresh(integers(6)),
-        has_best(integers(7)) {}
+        merits(work.Take(max_merits)),
+        phase(integers(kPhase)),
+        awaited_points(integers(kAwaitedPoints)),
+        iterations(integers(kIterations)),
+        function_calls(integers(kFunctionCalls)),
+        search_calls(integers(kSearchCalls)),
+        num_merits(integers(kNumMerits)),
+        is_fresh(integers(kIsFresh)),
+        has_best(integers(kHasBest)) {}
 
   Numbers iterate;              ///< x
   Numbers step;                 ///< d, the solution of the quadratic program at x
@@ -70,7 +81,6 @@ struct SolverMemory {
   Numbers multipliers;          ///< v, of the merit function
   Numbers penalties;            ///< r
   Numbers best_constraints;     ///< c at the best point
-  Numbers merits;               ///< of the last iterates, in a ring
 
   double& objective;       ///< f at x
   double& best_objective;  ///< f at the best point
@@ -78,6 +88,7 @@ struct SolverMemory {
   double& slope;           ///< its derivative along the step
   double& length;          ///< of the (first) trial step, as a share of d
   double& penalty_bound;   ///< above it a penalty leads to a restart
+  Numbers merits;          ///< of the last iterates, in a ring; last, since their number is an option
 
   int& phase;
   int& awaited_points;
