@@ -5,6 +5,7 @@
 namespace kestrel::algorithm::optimizer {
 
 using math::Index;
+using math::Matrix;
 using math::Vector;
 
 /// What the solver has asked for and waits for.
@@ -30,7 +31,9 @@ struct SolverMemory {
   using Numbers = Eigen::Map<Vector>;
 
   /// Entries that the two work arrays need.
-  static constexpr Index WorkLength(Index n, Index m, Index max_merits) { return 5 * n + 5 * m + max_merits + 6; }
+  static constexpr Index WorkLength(Index n, Index m, Index max_merits) {
+    return 6 * n + 5 * m + m * n + max_merits + 6;
+  }
   static constexpr Index kIntegerWorkLength = 8;
   /// Where the integers stand in their array.
   enum Position : Index {
@@ -47,6 +50,8 @@ struct SolverMemory {
   SolverMemory(Index n, Index m, Index max_merits, ArrayCutter work, Eigen::Ref<Eigen::VectorXi> integers)
       : iterate(work.Take(n)),
         step(work.Take(n)),
+        gradient(work.Take(n)),
+        jacobian(work.Take(m * n).data(), m, n),
         lagrangian_gradient(work.Take(n)),
         start_diagonal(work.Take(n)),
         best(work.Take(n)),
@@ -73,7 +78,9 @@ struct SolverMemory {
 
   Numbers iterate;              ///< x
   Numbers step;                 ///< d, the solution of the quadratic program at x
-  Numbers lagrangian_gradient;  ///< f' - u' c' at x
+  Numbers gradient;             ///< f' at x; the caller may write DF and DG at any time
+  Eigen::Map<Matrix> jacobian;  ///< c' at x, m x n
+  Numbers lagrangian_gradient;  ///< f' - u' c' at the iterate before, with its u
   Numbers start_diagonal;       ///< of the quasi-Newton matrix
   Numbers best;                 ///< the best point met
   Numbers constraints;          ///< c at x

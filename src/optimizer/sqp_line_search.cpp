@@ -64,7 +64,7 @@ bool SqpSolver::IsAccepted(double merit, double length) const {
 }
 
 void SqpSolver::Accept(Index column) {
-  at_.lagrangian_gradient = LagrangianGradient();  // the gradients are still those of the old iterate
+  at_.lagrangian_gradient = LagrangianGradient();  // of the old iterate still
   at_.multipliers += TrialLength(column) * (at_.program_multipliers - at_.multipliers);
   at_.step = arg_.X.col(column) - at_.iterate;
   at_.iterate = arg_.X.col(column);

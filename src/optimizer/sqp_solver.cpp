@@ -49,7 +49,9 @@ void SqpSolver::TakeStartValues() {
 }
 
 void SqpSolver::TakeGradients() {
-  if (!arg_.DF.allFinite() || !Jacobian().allFinite()) return End(eIfail::kNotFinite);
+  at_.gradient = arg_.DF;
+  at_.jacobian = arg_.DG.topRows(m_);
+  if (!at_.gradient.allFinite() || !at_.jacobian.allFinite()) return End(eIfail::kNotFinite);
   if (at_.iterations > 0) UpdateHessian(at_.step, LagrangianGradient() - at_.lagrangian_gradient);
   Iterate();
 }
@@ -73,8 +75,8 @@ void SqpSolver::Iterate() {
 StepSolution SqpSolver::SolveSubproblem() const {
   const Vector lower = arg_.XL - at_.iterate;
   const Vector upper = arg_.XU - at_.iterate;
-  return SolveForStep({arg_.C.topLeftCorner(n_, n_), arg_.D.head(n_), arg_.LQL, arg_.DF, Jacobian(), at_.constraints,
-                       arg_.ME, lower, upper},
+  return SolveForStep({arg_.C.topLeftCorner(n_, n_), arg_.D.head(n_), arg_.LQL, at_.gradient, at_.jacobian,
+                       at_.constraints, arg_.ME, lower, upper},
                       arg_.ACCQP);
 }
 
@@ -90,7 +92,7 @@ void SqpSolver::KeepSolution(const StepSolution& solution) {
 bool SqpSolver::PromisesNothing(double accuracy) const {
   const double tolerance = std::max(accuracy, 10.0 * kEpsilon * std::max(1.0, std::abs(at_.objective)));
   const double promised =
-      std::abs(arg_.DF.dot(at_.step)) + at_.program_multipliers.cwiseProduct(at_.constraints).lpNorm<1>();
+      std::abs(at_.gradient.dot(at_.step)) + at_.program_multipliers.cwiseProduct(at_.constraints).lpNorm<1>();
   return promised <= tolerance && Violation(at_.constraints, arg_.ME) <= tolerance;
 }
 
@@ -107,9 +109,9 @@ bool SqpSolver::IsOptimal() const {
 bool SqpSolver::FindDescent(const StepSolution& solution) {
   const double curvature = at_.step.dot(Hessian().selfadjointView<Eigen::Lower>() * at_.step);
   RaisePenalties(curvature, solution.relaxation);
-  const Vector constraint_slopes = Jacobian() * at_.step;
+  const Vector constraint_slopes = at_.jacobian * at_.step;
   const auto slope = [&] {
-    return MeritSlope(CurrentPoint(), at_.penalties, arg_.ME, arg_.DF.dot(at_.step), constraint_slopes,
+    return MeritSlope(CurrentPoint(), at_.penalties, arg_.ME, at_.gradient.dot(at_.step), constraint_slopes,
                       at_.program_multipliers - at_.multipliers);
   };
   at_.slope = slope();

@@ -48,8 +48,7 @@ class SqpSolver {
   void EndWithoutProgress(eIfail result);
   void Remember(Index column);
 
-  auto Jacobian() const { return arg_.DG.topRows(m_); }
-  Vector LagrangianGradient() const { return arg_.DF - Jacobian().transpose() * at_.program_multipliers; }
+  Vector LagrangianGradient() const { return at_.gradient - at_.jacobian.transpose() * at_.program_multipliers; }
   MeritPoint CurrentPoint() const { return {at_.objective, at_.constraints, at_.multipliers}; }
   bool IsEvaluated(Index column) const;
   double Ratio() const;
