@@ -84,9 +84,11 @@ void OptimizerNLPQLP<Real>::ResetBFGS(double diagonal) {
   if (!(diagonal > 0.0) || !std::isfinite(diagonal)) {
     this->Refuse(L"The diagonal of the quasi-Newton matrix must be greater than zero.");
   }
+  if (this->GetState() == eOptimizerState::kAppraised) this->Refuse(L"ResetBFGS requires Adapt before.");
   if (this->IsTerminated()) return;
   solver_.D.setConstant(diagonal);
   StartRun(best_.inputs);
+  --runs_;  // it is no restart of the settings
 }
 
 /// Hands out the start and the extra designs of its gradient. The bounds of the first step are those of the inputs, or

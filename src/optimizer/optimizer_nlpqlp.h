@@ -38,7 +38,7 @@ class OptimizerNLPQLP : public OptimizerBase<Real> {
   std::unique_ptr<OptimizerBase<Real>> Clone() const override;
 
   /// Starts the solver anew at the best design, with B = diagonal * I; the designs to evaluate are then new ones.
-  /// Without effect behind the end. A diagonal that is not above 0 is refused.
+  /// Without effect behind the end. Refused between `Appraise` and `Adapt`, and with a diagonal that is not above 0.
   void ResetBFGS(double diagonal = 1.0);
   /// The options of the solver from the settings, the rest at the solver's defaults.
   void SetDefaultParameters();

@@ -8,8 +8,8 @@
 
 namespace kestrel::algorithm::optimizer {
 
-/// Settings of `OptimizerNLPQLP`. Inputs are taken as continuous whatever their type. Steps are in the units of the
-/// inputs; the forms with one number give it to all inputs.
+/// Settings of `OptimizerNLPQLP`; the accuracy is 5e-6 by default. Inputs are taken as continuous whatever their type.
+/// Steps are in the units of the inputs; the forms with one number give it to all inputs.
 template <class Real>
 class OptimizerSettingsNLPQLP : public OptimizerSettingsGradientBase<Real> {
  public:

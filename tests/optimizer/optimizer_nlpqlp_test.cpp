@@ -125,8 +125,10 @@ TEST(OptimizerNlpqlp, HandsOutStartThenTrialsThenGradient) {
   EXPECT_EQ(optimizer.GetNumEvaluations(), 13U);
 }
 
-TEST(OptimizerNlpqlp, BestDesignIsTheLowestOfAllEvaluated) {
-  Optimizer optimizer(TwoInputs(-2.0, 2.0, 1.5, 1.5));
+TEST(OptimizerNlpqlp, BestDesignIsTheLowestOfAllEvaluatedWithoutBounds) {
+  Settings settings(2);
+  settings.SetStartDesigns(Matrix::Constant(1, 2, 1.5));
+  Optimizer optimizer(settings);
   std::vector<double> values;
   Solve(optimizer, [&](const Vector& x) {
     values.push_back(Bowl(x)(0));
@@ -136,6 +138,7 @@ TEST(OptimizerNlpqlp, BestDesignIsTheLowestOfAllEvaluated) {
   EXPECT_EQ(optimizer.GetBestObjectives()(0, 0), *best);
   EXPECT_EQ(optimizer.GetBestDesignNumbers()(0), static_cast<std::uint64_t>(best - values.begin()));
   EXPECT_EQ(optimizer.GetNumEvaluations(), values.size());
+  EXPECT_NEAR(*best, 2.0, 1e-5);
 }
 
 /// Right of x0 = 0.9, where the run starts, the model fails. Central differences then have the other side. Forward ones
@@ -248,6 +251,11 @@ TEST(OptimizerNlpqlp, ResetBeginsAnewAtTheBestDesign) {
   optimizer.ResetBFGS(10.0);
   EXPECT_EQ(optimizer.GetNextDesigns().row(0), optimizer.GetBestInputs());
   EXPECT_THROW(optimizer.ResetBFGS(0.0), utils::runtime_error);
+  Optimizer appraised(TwoInputs(-2.0, 2.0, 1.5, 1.5));
+  appraised.SetInputs(appraised.GetNextDesigns());
+  appraised.SetObjectives(Matrix::Ones(3, 1));
+  appraised.Appraise();
+  EXPECT_THROW(appraised.ResetBFGS(), utils::runtime_error);
   Solve(optimizer, Bowl);
   EXPECT_TRUE(optimizer.IsConverged());
   EXPECT_NEAR(optimizer.GetBestObjectives()(0, 0), 2.0, 1e-5);
