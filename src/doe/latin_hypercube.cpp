@@ -1,6 +1,7 @@
 #include "doe/latin_hypercube.h"
 
 #include <algorithm>
+#include <boost/random/uniform_real_distribution.hpp>
 #include <utility>
 #include <vector>
 
@@ -59,6 +60,13 @@ Matrix RandomLatinHypercube(Index num_samples, Index num_inputs, random::Generat
     const IndexVector cells = random::RandomPermutation(static_cast<std::uint64_t>(num_samples), generator);
     points.col(j) = cells.unaryExpr([&](std::uint64_t c) { return CellCentre(static_cast<double>(c), num_samples); });
   }
+  return points;
+}
+
+Matrix ScatterInCells(Matrix points, random::Generator& generator) {
+  const double half_cell = 1.0 / static_cast<double>(points.rows());
+  const boost::random::uniform_real_distribution<double> place(-half_cell, half_cell);
+  for (double& entry : points.reshaped()) entry += place(generator);
   return points;
 }
 

@@ -2,10 +2,12 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
+#include <limits>
 #include <string>
+#include <utility>
 
-#include "statistics/basic_statistics_colwise.h"
+#include "datatypes/type_names.h"
+#include "doe/model_matrix.h"
 #include "support/exceptions.h"
 #include "support/matrix_compare.h"
 
@@ -14,63 +16,163 @@ namespace {
 
 using testing::MatrixNear;
 
-constexpr eClassicType kRandom = eClassicType::kLatinHypercube;
-constexpr eClassicType kOrthogonal = eClassicType::kLatinHypercubeOrthogonal;
+constexpr std::uint64_t kHuge = std::numeric_limits<std::uint64_t>::max();
 
-Matrix Build(eClassicType type, std::uint64_t num_inputs, std::uint64_t num_samples, std::uint64_t seed = 1) {
+PointSetOptions Options() {
+  PointSetOptions options;
+  options.levels = 3;
+  options.levels_per_input = {2, 3, 4};
+  options.exponents = IndexMatrix{{0, 0, 0}, {1, 0, 0}, {0, 2, 0}, {1, 1, 1}};
+  return options;
+}
+
+Matrix Build(eClassicType type, std::uint64_t num_inputs, std::uint64_t num_samples,
+             const PointSetOptions& options = Options(), std::uint64_t seed = 1) {
   random::Generator generator(seed);
-  return DOE(generator).BuildClassic(type, num_inputs, num_samples);
+  return DOE(generator).BuildClassic(type, num_inputs, num_samples, options);
 }
 
-double LargestCorrelation(const Matrix& points) {
-  const Index n = points.cols();
-  return (statistics::CalcLinCCMatrixColwise(points) - Matrix::Identity(n, n)).cwiseAbs().maxCoeff();
+struct Kind {
+  const char* name;
+  eClassicType type;
+  enums::DOE::eType word;
+  Index points;  // of three inputs; 0 where the caller chooses
+  bool random;
+};
+
+// For a readable failure.
+void PrintTo(const Kind& kind, std::ostream* stream) { *stream << kind.name; }
+
+const Kind kKinds[] = {
+    {"Center", eClassicType::kCenterPoint, enums::DOE::CENTER_POINT, 1, false},
+    {"FullFactorial", eClassicType::kFullFactorial, enums::DOE::FULL_FACTORIAL, 27, false},
+    {"Axial", eClassicType::kAxialPoints, enums::DOE::AXIAL_POINTS, 6, false},
+    {"Star", eClassicType::kStarPoints, enums::DOE::STAR_POINTS, 7, false},
+    {"Koshal", eClassicType::kKoshal, enums::DOE::KOSHAL, 10, false},
+    {"CentralComposite", eClassicType::kCentralComposite, enums::DOE::CENTRAL_COMPOSITE, 15, false},
+    {"MixedTerms", eClassicType::kMixedTerms, enums::DOE::MIXED_TERMS, 3, false},
+    {"LatinHypercube", eClassicType::kLatinHypercube, enums::DOE::LATIN_HYPERCUBE, 0, true},
+    {"Midpoint", eClassicType::kLatinHypercubeMidpoint, enums::DOE::LATIN_HYPERCUBE_MIDPOINT, 0, true},
+    {"Orthogonal", eClassicType::kLatinHypercubeOrthogonal, enums::DOE::ORTHOGONAL_LATIN_HYPERCUBE, 0, true},
+    {"Sobol", eClassicType::kSobolSequence, enums::DOE::SOBOL_SEQUENCE, 0, false},
+    {"MonteCarlo", eClassicType::kPlainMonteCarlo, enums::DOE::PLAIN_MONTE_CARLO, 0, true},
+    {"DOptimalCustomizable", eClassicType::kDOptimalCustomizable, enums::DOE::D_OPTIMAL_CUSTOMIZABLE, 0, true},
+    {"DOptimalLinear", eClassicType::kDOptimalLinear, enums::DOE::D_OPTIMAL_LINEAR, 0, true},
+    {"DOptimalNoMixed", eClassicType::kDOptimalQuadraticNoMixed, enums::DOE::D_OPTIMAL_QUADRATIC_NOMIXED, 0, true},
+    {"DOptimalQuadratic", eClassicType::kDOptimalQuadratic, enums::DOE::D_OPTIMAL_QUADRATIC, 0, true},
+    {"KoshalLinear", eClassicType::kKoshalLinear, enums::DOE::KOSHAL_LINEAR, 4, false},
+    {"KoshalQuadratic", eClassicType::kKoshalQuadratic, enums::DOE::KOSHAL_QUADRATIC, 10, false},
+    {"Fekete", eClassicType::kFeketePoints, enums::DOE::FEKETE_POINTS, 0, true},
+    {"BoxBehnken", eClassicType::kBoxBehnken, enums::DOE::BOX_BEHNKEN, 13, false},
+    {"SpaceFilling", eClassicType::kLatinHypercubeSpaceFilling, enums::DOE::SPACE_FILLING_LATIN_HYPERCUBE, 0, true},
+    {"FullCombinatorial", eClassicType::kFullCombinatorial, enums::DOE::FULL_COMBINATORIAL, 24, false},
+    {"Advanced", eClassicType::kLatinHypercubeAdvanced, enums::DOE::ADVANCED_LATIN_HYPERCUBE, 0, true}};
+
+class PointSet : public ::testing::TestWithParam<Kind> {};
+
+TEST_P(PointSet, IsNumberedAsItsWord) {
+  EXPECT_EQ(static_cast<int>(GetParam().type) + 1, static_cast<int>(GetParam().word));
 }
 
-class LatinHypercube : public ::testing::TestWithParam<eClassicType> {};
+TEST_P(PointSet, HasItsNumberOfPointsInTheBox) {
+  const auto& [name, type, word, fixed, random] = GetParam();
+  const Matrix points = Build(type, 3, fixed > 0 ? 0 : 14);
+  EXPECT_EQ(points.rows(), fixed > 0 ? fixed : 14);
+  EXPECT_EQ(points.cols(), 3);
+  EXPECT_LE(points.cwiseAbs().maxCoeff(), 1.0);
+  if (fixed == 0) return;
+  EXPECT_TRUE(MatrixNear(Build(type, 3, static_cast<std::uint64_t>(fixed)), points, 0.0));
+  EXPECT_THROW(Build(type, 3, static_cast<std::uint64_t>(fixed) + 1), utils::logic_error);
+}
 
-TEST_P(LatinHypercube, HasOnePointInEachCell) {
-  struct Shape {
+TEST_P(PointSet, IsThatOfItsGenerator) {
+  const auto& [name, type, word, fixed, random] = GetParam();
+  const Matrix points = Build(type, 3, static_cast<std::uint64_t>(fixed > 0 ? fixed : 14), Options(), 9);
+  EXPECT_TRUE(MatrixNear(Build(type, 3, static_cast<std::uint64_t>(points.rows()), Options(), 9), points, 0.0));
+  if (random) {
+    EXPECT_FALSE(MatrixNear(Build(type, 3, 14, Options(), 10), points, 0.0));
+  }
+}
+
+TEST_P(PointSet, RefusesSizesOutOfReach) {
+  const auto& [name, type, word, fixed, random] = GetParam();
+  EXPECT_THROW(Build(type, 0, 14), utils::logic_error);
+  EXPECT_THROW(Build(type, kHuge, 14), utils::logic_error);
+  EXPECT_THROW(Build(type, kHuge / 2 + 1, kHuge / 2 + 1), utils::logic_error);
+  EXPECT_THROW(Build(type, 3, kHuge), utils::logic_error);
+  if (fixed == 0) {
+    EXPECT_THROW(Build(type, 3, 0), utils::logic_error);
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Types, PointSet, ::testing::ValuesIn(kKinds),
+                         [](const auto& kind) { return kind.param.name; });
+
+TEST(PointSets, RefuseWhatCannotBe) {
+  struct Case {
+    const char* name;
+    eClassicType type;
     std::uint64_t inputs, samples;
+    const wchar_t* text;
   };
-  for (const Shape& s : {Shape{1, 1}, Shape{1, 7}, Shape{5, 1}, Shape{4, 2}, Shape{8, 3}, Shape{3, 40}, Shape{0, 4}}) {
-    SCOPED_TRACE(std::to_string(s.inputs) + " inputs, " + std::to_string(s.samples) + " samples");
-    const Matrix points = Build(GetParam(), s.inputs, s.samples);
-    ASSERT_EQ(points.rows(), static_cast<Index>(s.samples));
-    ASSERT_EQ(points.cols(), static_cast<Index>(s.inputs));
-    const double width = 2.0 / static_cast<double>(s.samples);
-    for (Index j = 0; j < points.cols(); ++j) {
-      Vector column = points.col(j);
-      std::sort(column.begin(), column.end());
-      const Vector centres = Vector::LinSpaced(points.rows(), -1.0 + 0.5 * width, 1.0 - 0.5 * width);
-      EXPECT_TRUE(MatrixNear(column, centres, 1e-15));
+  for (const Case& c :
+       {Case{"unknown", static_cast<eClassicType>(23), 2, 5, L"Unknown type of point set."},
+        Case{"design points", static_cast<eClassicType>(-1), 2, 5, L"Unknown type of point set."},
+        Case{"no inputs", eClassicType::kSobolSequence, 0, 5, L"A point set needs at least one input."},
+        Case{"no points", eClassicType::kSobolSequence, 5, 0, L"A point set needs at least one point."},
+        Case{"many levels", eClassicType::kFullFactorial, 60, 0,
+             L"The point set is too large: 18446744073709551615 points of 60 inputs, at most 67108864 entries are "
+             L"possible."},
+        Case{"levels of other inputs", eClassicType::kFullCombinatorial, 4, 0,
+             L"A full combinatorial design needs the number of levels of each input."},
+        Case{"one mixed input", eClassicType::kMixedTerms, 1, 0, L"Mixed terms need at least two inputs."},
+        Case{"box behnken", eClassicType::kBoxBehnken, 2, 0, L"A Box-Behnken design needs at least three inputs."},
+        Case{"direction numbers", eClassicType::kSobolSequence, 3668, 5,
+             L"A Sobol sequence has at most 3667 inputs, not 3668."},
+        Case{"few points", eClassicType::kDOptimalQuadratic, 3, 9,
+             L"A D-optimal design for 10 terms needs at least as many points, not 9."},
+        Case{"terms of other inputs", eClassicType::kDOptimalCustomizable, 4, 9,
+             L"The terms of a customizable D-optimal design need an exponent of each input."},
+        Case{"fixed", eClassicType::kBoxBehnken, 3, 14, L"This point set has 13 points, not 14."},
+        Case{"fekete", eClassicType::kFeketePoints, 1, 3, L"A single input has two Fekete points only."}}) {
+    SCOPED_TRACE(c.name);
+    try {
+      Build(c.type, c.inputs, c.samples);
+      ADD_FAILURE() << "was made";
+    } catch (const utils::logic_error& error) {
+      EXPECT_EQ(error.What(), c.text);
     }
   }
-  EXPECT_EQ(Build(GetParam(), 3, 0).cols(), 3);
 }
 
-TEST_P(LatinHypercube, IsThatOfItsGenerator) {
-  EXPECT_TRUE(MatrixNear(Build(GetParam(), 4, 20, 9), Build(GetParam(), 4, 20, 9), 0.0));
-  EXPECT_FALSE(MatrixNear(Build(GetParam(), 4, 20, 9), Build(GetParam(), 4, 20, 10), 0.0));
-}
-
-INSTANTIATE_TEST_SUITE_P(Types, LatinHypercube, ::testing::Values(kRandom, kOrthogonal),
-                         [](const auto& type) { return type.param == kRandom ? "Random" : "Orthogonal"; });
-
-TEST(OrthogonalLatinHypercube, HasColumnsWithoutCorrelation) {
-  struct Case {
-    std::uint64_t inputs, samples;
-    double largest;
+TEST(PointSets, RefuseModelsAndLevelsThatCannotBe) {
+  const auto with_terms = [](const IndexMatrix& exponents) {
+    PointSetOptions options;
+    options.exponents = exponents;
+    return Build(eClassicType::kDOptimalCustomizable, 2, 8, options);
   };
-  for (const Case& c : {Case{2, 100, 0.011}, Case{20, 1000, 1e-3}, Case{8, 30, 0.04}}) {
-    SCOPED_TRACE(std::to_string(c.inputs) + " inputs, " + std::to_string(c.samples) + " samples");
-    EXPECT_LT(LargestCorrelation(Build(kOrthogonal, c.inputs, c.samples)), c.largest);
-    EXPECT_GT(LargestCorrelation(Build(kRandom, c.inputs, c.samples)), c.largest);
-  }
+  EXPECT_THROW(with_terms(IndexMatrix(0, 2)), utils::logic_error);
+  EXPECT_THROW(with_terms(IndexMatrix{{1, 0}, {1, 0}}), utils::logic_error);
+  EXPECT_THROW(with_terms(IndexMatrix{{1, 17}}), utils::logic_error);
+  PointSetOptions options;
+  options.levels = 1;
+  options.levels_per_input = {2, 0};
+  EXPECT_THROW(Build(eClassicType::kFullFactorial, 2, 0, options), utils::logic_error);
+  EXPECT_THROW(Build(eClassicType::kKoshal, 2, 0, options), utils::logic_error);
+  EXPECT_THROW(Build(eClassicType::kFullCombinatorial, 2, 0, options), utils::logic_error);
 }
 
-TEST(PointSets, OfUnknownTypeAreRefused) {
-  EXPECT_THROW(Build(static_cast<eClassicType>(8), 2, 5), utils::logic_error);
+TEST(PointSets, EstimateTheModelsThatTheyAreFor) {
+  for (const std::uint64_t inputs : {2U, 3U, 5U}) {
+    EXPECT_TRUE(CanEstimate(QuadraticTerms(inputs, false), Build(eClassicType::kStarPoints, inputs, 0)));
+    EXPECT_TRUE(CanEstimate(QuadraticTerms(inputs, true), Build(eClassicType::kCentralComposite, inputs, 0)));
+    const Matrix star = Build(eClassicType::kStarPoints, inputs, 0);
+    const Matrix mixed = Build(eClassicType::kMixedTerms, inputs, 0);
+    EXPECT_FALSE(CanEstimate(QuadraticTerms(inputs, true), star));
+    EXPECT_TRUE(CanEstimate(QuadraticTerms(inputs, true),
+                            (Matrix(star.rows() + mixed.rows(), star.cols()) << star, mixed).finished()));
+    EXPECT_TRUE(CanEstimate(LinearTerms(inputs), Build(eClassicType::kAxialPoints, inputs, 0)));
+  }
 }
 
 }  // namespace
