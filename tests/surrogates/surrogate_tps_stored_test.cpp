@@ -1,0 +1,220 @@
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <limits>
+
+#include "support/exceptions.h"
+#include "support/matrix_compare.h"
+#include "support/stored.h"
+#include "surrogates/sample_data.h"
+#include "surrogates/surrogate_registration.h"
+#include "surrogates/surrogate_tps.h"
+
+namespace kestrel::math::metamodel {
+
+/// The stored layout of a thin plate spline, open to any content.
+struct StoredTPS {
+  struct SettingsBase {
+    std::uint64_t ninputs_ = 2;
+    eTransformation coord_transform_ = eTransformation::kMinMax, value_transform_ = eTransformation::kNone;
+    eTransformation limit_transform_ = eTransformation::kNone;
+    std::vector<double> coord_transform_parameter_ = {0.0, 1.0}, value_transform_parameter_, limit_transform_parameter_;
+    std::int32_t handle_failed_ = 0;
+    eState state_ = eState::kDefault;
+    std::vector<std::wstring> input_names_;
+    template <class Archive>
+    void serialize(Archive& archive, unsigned) {
+      archive& BOOST_SERIALIZATION_NVP(ninputs_) & BOOST_SERIALIZATION_NVP(coord_transform_);
+      archive& BOOST_SERIALIZATION_NVP(coord_transform_parameter_) & BOOST_SERIALIZATION_NVP(value_transform_);
+      archive& BOOST_SERIALIZATION_NVP(value_transform_parameter_) & BOOST_SERIALIZATION_NVP(handle_failed_);
+      archive& BOOST_SERIALIZATION_NVP(state_) & BOOST_SERIALIZATION_NVP(limit_transform_);
+      archive& BOOST_SERIALIZATION_NVP(limit_transform_parameter_) & BOOST_SERIALIZATION_NVP(input_names_);
+    }
+  };
+
+  struct Settings {
+    SettingsBase base;
+    double smoothing_ = 0.0;
+    Selection selection_ = Selection(2, 3);
+    template <class Archive>
+    void serialize(Archive& archive, unsigned) {
+      archive& boost::serialization::make_nvp("SurrogateSettingsBase", base);
+      archive& BOOST_SERIALIZATION_NVP(smoothing_) & BOOST_SERIALIZATION_NVP(selection_);
+    }
+  };
+
+  struct Base {
+    Matrix points_, points_trans_reduced_, single_cops_;
+    Vector values_, residuals_, weights_;
+    Subsets subsets_;
+    bool need_build_ = false;
+    std::shared_ptr<transform::Transform> trans_coord_, trans_value_, trans_limit_;
+    double points_radii_mean_ = 0.0;
+    template <class Archive>
+    void serialize(Archive& archive, unsigned) {
+      archive& BOOST_SERIALIZATION_NVP(points_) & BOOST_SERIALIZATION_NVP(values_);
+      archive& BOOST_SERIALIZATION_NVP(points_trans_reduced_) & BOOST_SERIALIZATION_NVP(residuals_);
+      archive& BOOST_SERIALIZATION_NVP(subsets_) & BOOST_SERIALIZATION_NVP(need_build_);
+      archive& BOOST_SERIALIZATION_NVP(trans_coord_) & BOOST_SERIALIZATION_NVP(trans_value_);
+      archive& BOOST_SERIALIZATION_NVP(weights_) & BOOST_SERIALIZATION_NVP(trans_limit_);
+      archive& BOOST_SERIALIZATION_NVP(single_cops_) & BOOST_SERIALIZATION_NVP(points_radii_mean_);
+    }
+  };
+
+  Base base;
+  Vector radial_coefficients_, linear_coefficients_;
+  Settings settings_;
+  template <class Archive>
+  void serialize(Archive& archive, unsigned) {
+    archive& boost::serialization::make_nvp("SurrogateBase", base) & BOOST_SERIALIZATION_NVP(radial_coefficients_);
+    archive& BOOST_SERIALIZATION_NVP(linear_coefficients_) & BOOST_SERIALIZATION_NVP(settings_);
+  }
+};
+
+}  // namespace kestrel::math::metamodel
+
+BOOST_CLASS_VERSION(kestrel::math::metamodel::StoredTPS::SettingsBase, 2)
+BOOST_CLASS_VERSION(kestrel::math::metamodel::StoredTPS::Base, 6)
+
+namespace kestrel::math::metamodel {
+namespace {
+
+using testing::FirstNameOutOfOrder;
+using testing::Load;
+using testing::MatrixNear;
+using testing::Noise;
+using testing::RandomPoints;
+using testing::RoundTrip;
+using testing::Store;
+
+const Matrix kPoints = RandomPoints(40, 2, 1);
+const Vector kValues = (kPoints.col(0).array().exp() + kPoints.col(1).array()).matrix() + Noise(40, 0.1, 2);
+const Matrix kQuery = RandomPoints(5, 2, 3);
+
+Subsets Fifths() {
+  Subsets subsets;
+  for (std::uint64_t i = 0; i < 40; ++i) subsets.push_back(i % 5);
+  return subsets;
+}
+
+SurrogateTPS Plain() {
+  SurrogateTPS spline(kPoints, kValues);
+  EXPECT_TRUE(spline.Build());
+  return spline;
+}
+
+/// Smoothed, on one of the inputs, with a Box-Cox exponent, limits and error estimates.
+SurrogateTPS Full() {
+  SurrogateTPS spline(kPoints, kValues);
+  SurrogateTPSSettings settings(2);
+  settings.SetVariableSelection(Selection(2, 1));
+  settings.SetValueTransformation(eTransformation::kBoxCox);
+  settings.SetLimitTransformation(eTransformation::kLimits);
+  settings.SetLimitTransformationParameter({-1.0, 5.0});
+  spline.Initialize(settings);
+  EXPECT_TRUE(spline.BuildOptimal(Fifths()));
+  EXPECT_TRUE(spline.BuildErrors(Fifths()));
+  return spline;
+}
+
+void ExpectSameBits(const SurrogateBase& a, const SurrogateBase& b) {
+  EXPECT_TRUE(a == b);
+  EXPECT_TRUE(MatrixNear(a.Approximate(kQuery), b.Approximate(kQuery), 0.0));
+  EXPECT_TRUE(MatrixNear(a.Approximate(), b.Approximate(), 0.0));
+  EXPECT_TRUE(MatrixNear(a.ApproximateCrossValidation(Fifths()), b.ApproximateCrossValidation(Fifths()), 0.0));
+  EXPECT_TRUE(MatrixNear(a.ApproximateLeaveOneOut(), b.ApproximateLeaveOneOut(), 0.0));
+  EXPECT_EQ(a.Str(), b.Str());
+}
+
+TEST(StoredThinPlateSplines, EvaluateToTheSameBits) {
+  surrogate_classes_registration_policy();
+  for (const auto& make : {Plain, Full}) {
+    const SurrogateTPS spline = make();
+    ExpectSameBits(*RoundTrip<SurrogateBase>(spline), spline);
+    RoundTrip<SurrogateSettingsBase>(spline.GetSettingsBase());
+  }
+  const auto unbuilt = RoundTrip<SurrogateBase>(SurrogateTPS(kPoints, kValues));
+  EXPECT_TRUE(unbuilt->Build());
+  EXPECT_TRUE(MatrixNear(unbuilt->Approximate(kQuery), Plain().Approximate(kQuery), 0.0));
+}
+
+TEST(StoredThinPlateSplines, KeepTheNamesAndTheirOrder) {
+  EXPECT_EQ(FirstNameOutOfOrder(Plain(),
+                                {"SurrogateBase", "points_radii_mean_", "radial_coefficients_", "linear_coefficients_",
+                                 "settings_", "SurrogateSettingsBase", "input_names_", "smoothing_", "selection_"}),
+            "");
+  const SurrogateTPS spline = Plain();
+  const SurrogateBase* const base = &spline;
+  EXPECT_NE(Store(base).find("kestrel::math::metamodel::SurrogateTPS"), std::string::npos);
+}
+
+TEST(StoredThinPlateSplines, WithoutTheirSampleStillApproximate) {
+  const SurrogateTPS spline = Full();
+  const auto cleared = spline.Clone();
+  cleared->ClearSupportsForSerialize();
+  const auto read = RoundTrip<SurrogateBase>(*cleared);
+  for (SurrogateBase* surrogate : {cleared.get(), read.get()}) {
+    EXPECT_TRUE(MatrixNear(surrogate->Approximate(kQuery), spline.Approximate(kQuery), 0.0));
+    EXPECT_THROW(surrogate->Approximate(), std::logic_error);
+    EXPECT_THROW(surrogate->ApproximateCrossValidation(Fifths()), std::logic_error);
+    EXPECT_THROW(surrogate->RestoreSupportsAfterSerialize(kPoints.topRows(39), kValues.head(39)), utils::runtime_error);
+    surrogate->RestoreSupportsAfterSerialize(kPoints, kValues);
+    ExpectSameBits(*surrogate, spline);
+  }
+}
+
+/// The plain spline as its file holds it.
+StoredTPS Record() {
+  const SurrogateTPS spline = Plain();
+  StoredTPS record;
+  record.base.points_ = kPoints;
+  record.base.values_ = kValues;
+  record.base.trans_coord_ = CreateTransformation(eTransformation::kMinMax, {});
+  record.base.trans_coord_->Build(kPoints);
+  record.base.points_trans_reduced_ = record.base.trans_coord_->ScaleForward(kPoints);
+  record.radial_coefficients_ = spline.GetSpline().radial;
+  record.linear_coefficients_ = spline.GetSpline().linear;
+  return record;
+}
+
+TEST(StoredThinPlateSplines, AreRefusedWhereTheirPartsDoNotMatch) {
+  const struct {
+    const char* name;
+    std::function<void(StoredTPS&)> spoil;
+  } cases[] = {
+      {"radial", [](auto& r) { r.radial_coefficients_ = Vector::Ones(39); }},
+      {"no radial", [](auto& r) { r.radial_coefficients_.resize(0); }},
+      {"linear", [](auto& r) { r.linear_coefficients_ = Vector::Ones(2); }},
+      {"no reduced points", [](auto& r) { r.base.points_trans_reduced_.resize(0, 0); }},
+      {"reduced rows", [](auto& r) { r.base.points_trans_reduced_ = Matrix::Ones(39, 2); }},
+      {"reduced columns", [](auto& r) { r.base.points_trans_reduced_ = Matrix::Ones(40, 3); }},
+      {"consistent without the sample",
+       [](auto& r) {
+         r.base.points_trans_reduced_ = Matrix::Ones(39, 2);
+         r.radial_coefficients_ = Vector::Ones(39);
+       }},
+      {"values", [](auto& r) { r.base.values_ = Vector::Ones(39); }},
+      {"selection", [](auto& r) { r.settings_.selection_ = Selection(3, 3); }},
+      {"fewer selected", [](auto& r) { r.settings_.selection_ = Selection(2, 1); }},
+      {"inputs",
+       [](auto& r) {
+         r.settings_.base.ninputs_ = 3;
+         r.settings_.selection_ = Selection(3, 3);
+       }},
+      {"negative smoothing", [](auto& r) { r.settings_.smoothing_ = -1.0; }},
+      {"NaN smoothing", [](auto& r) { r.settings_.smoothing_ = std::numeric_limits<double>::quiet_NaN(); }},
+      {"columns of the scaling", [](auto& r) { r.base.trans_coord_->Build(RandomPoints(4, 3, 1)); }},
+      {"nothing at all", [](auto& r) { r.base = StoredTPS::Base(), r.radial_coefficients_.resize(0); }},
+  };
+  SurrogateTPS read((Matrix()), Vector());
+  EXPECT_NO_THROW(Load(Store(Record()), read));
+  EXPECT_TRUE(MatrixNear(read.Approximate(kQuery), Plain().Approximate(kQuery), 0.0));
+  for (const auto& c : cases) {
+    StoredTPS record = Record();
+    c.spoil(record);
+    EXPECT_THROW(Load(Store(record), read), utils::runtime_error) << c.name;
+  }
+}
+
+}  // namespace
+}  // namespace kestrel::math::metamodel
