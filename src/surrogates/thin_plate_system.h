@@ -14,7 +14,7 @@ namespace kestrel::math::metamodel {
 ///
 /// The radial function is that of the plate, r^2 log r, whatever the number of inputs: the polyharmonic function of
 /// order 2, which is conditionally positive definite of order 2 in any dimension (Wendland 2005, "Scattered Data
-/// Approximation", theorem 8.17), so that points which determine the linear part determine the spline. Only for two
+/// Approximation", chapter 8), so that points which determine the linear part determine the spline. Only for two
 /// inputs it is the interpolant of least bending energy (Duchon 1977).
 struct ThinPlate {
   Vector radial;  ///< c, one per sample
