@@ -3,7 +3,6 @@
 #include <cmath>
 #include <utility>
 
-#include "selection/candidate_measures.h"
 #include "selection/log_text.h"
 
 namespace kestrel::math::metamodel {
@@ -12,6 +11,17 @@ namespace {
 constexpr double kWorstImportance = 100.0;  // an importance from here on is not compared
 
 }  // namespace
+
+Selection SelectedInputs(const IndexVector& subspace) {
+  Selection variables(static_cast<std::size_t>(subspace.size()));
+  for (Index j = 0; j < subspace.size(); ++j) variables.set(static_cast<std::size_t>(j), subspace(j) != 0);
+  return variables;
+}
+
+double FittedExponent(const SurrogateSettingsBase& settings) {
+  const std::vector<double>& parameters = settings.GetValueTransformationParameter();
+  return parameters.empty() ? 1.0 : parameters.front();
+}
 
 ModelSearch::ModelSearch(const SearchContext& context, CandidateRanking& ranking)
     : context_(context), ranking_(ranking), total_sum_of_squares_(TotalSumOfSquares(context.response)) {}
@@ -50,20 +60,23 @@ ModelSearch::Outcome ModelSearch::BuildCandidate(const SurrogateSettingsBase& se
   }
   if (!surrogate.BuildOptimal(context_.subsets)) return {};
 
-  SubspaceResults result = MeasureSurrogate(surrogate);
+  SubspaceResults result = MeasureBuilt();
   LogCandidate(result);
   results_.push_back(std::move(result));
   return {results_.size() - 1};
 }
 
-SubspaceResults ModelSearch::MeasureSurrogate(const SurrogateBase& surrogate) const {
+SubspaceResults ModelSearch::MeasureBuilt() {
+  const CandidatePredictions predictions = Predict();
   // The settings after the build carry what was fitted: they are what the measures belong to.
-  const SurrogateSettingsBase& settings = surrogate.GetSettingsBase();
-  const CandidatePredictions predictions{surrogate.Approximate(),
-                                         surrogate.ApproximateCrossValidation(context_.subsets),
-                                         surrogate.GetNumberCoefficients(), settings.GetNumberParameter()};
-  return {Type(), settings,
+  return {Type(), Surrogate().GetSettingsBase(),
           MeasureCandidate(context_.response, total_sum_of_squares_, predictions, context_.settings.use_adj_cop_)};
+}
+
+CandidatePredictions ModelSearch::Predict() {
+  const SurrogateBase& surrogate = Surrogate();
+  return {surrogate.Approximate(), surrogate.ApproximateCrossValidation(context_.subsets),
+          surrogate.GetNumberCoefficients(), surrogate.GetSettingsBase().GetNumberParameter()};
 }
 
 std::unique_ptr<SurrogateSettingsBase> ModelSearch::Prepare(const SurrogateSettingsBase& settings) const {
@@ -77,12 +90,26 @@ void ModelSearch::SetCommonSettings(SurrogateSettingsBase& settings) const {
   settings.SetLimitTransformationParameter({context_.settings.limits_.first, context_.settings.limits_.second});
 }
 
+bool ModelSearch::EnoughForInputs(const SurrogateSettingsBase& settings, double factor) const {
+  const Index samples = context_.inputs.rows();
+  const std::uint64_t inputs = settings.GetVariableSelection().count();
+  if (!(static_cast<double>(inputs) * factor > static_cast<double>(samples))) return true;
+  Log().Debug() << L"Not enough supports " << samples << L" for inputs " << inputs;
+  return false;
+}
+
 bool ModelSearch::EnoughInCrossValidation(const SurrogateSettingsBase& settings) const {
   const std::uint64_t left = static_cast<std::uint64_t>(context_.inputs.rows()) - context_.largest_subset;
   const std::uint64_t coefficients = settings.GetNumberCoefficients();
   if (left >= coefficients) return true;
   Log().Debug() << L"Not enough supports " << left << L" for coefficients " << coefficients << L" in cross validation";
   return false;
+}
+
+void ModelSearch::LogReducedInputs(const SubspaceResults& result) const {
+  Log().Debug() << L"ReducedSubspace: R2adj " << result.measures.CoDadj << L" R2CVred  " << result.measures.CoP
+                << L" error " << result.measures.predError << L" numcoeff  " << result.settings->GetNumberCoefficients()
+                << L" selection " << AsText(result.settings->GetVariableSelection());
 }
 
 void ModelSearch::ExtractBest() {
@@ -152,6 +179,7 @@ std::unique_ptr<SurrogateSettingsBase> ModelSearch::StartReduction(const Surroga
 }
 
 void ModelSearch::Rebuild(const SurrogateSettingsBase& settings) {
+  if (Surrogate().CheckAfterBuild() && Surrogate().GetSettingsBase() == settings) return;
   Surrogate().Initialize(settings);
   Surrogate().Build();
 }

@@ -6,6 +6,7 @@
 #include <optional>
 #include <vector>
 
+#include "selection/candidate_measures.h"
 #include "selection/candidate_ranking.h"
 #include "selection/search_context.h"
 #include "selection/subspace_results.h"
@@ -18,6 +19,12 @@ struct CompetitionState {
   double best_cop;  ///< of the classes before
   bool any_input;   ///< false if all subspaces are empty
 };
+
+/// The inputs of a subspace: a bit for each code that is not 0.
+Selection SelectedInputs(const IndexVector& subspace);
+
+/// The first parameter of the value transformation, its exponent; 1 without one.
+double FittedExponent(const SurrogateSettingsBase& settings);
 
 /// The search of one model class for one response: tries settings on the subspaces, keeps a result for each candidate
 /// that could be built, and hands the best result of each complexity, reduced to the inputs that matter, to the
@@ -68,8 +75,14 @@ class ModelSearch {
   /// Input names and limits, which all candidates of a response share.
   void SetCommonSettings(SurrogateSettingsBase& settings) const;
 
+  /// False, with a log line, if there are fewer than `factor` samples for each selected input.
+  bool EnoughForInputs(const SurrogateSettingsBase& settings, double factor) const;
+
   /// False, with a log line, if the largest cross-validation subset leaves fewer samples than coefficients.
   bool EnoughInCrossValidation(const SurrogateSettingsBase& settings) const;
+
+  /// The log line of a step of a reduction for models that select inputs, not terms.
+  void LogReducedInputs(const SubspaceResults& result) const;
 
  private:
   virtual ModelType::eModelType Type() const = 0;
@@ -83,6 +96,9 @@ class ModelSearch {
   virtual SurrogateBase& Surrogate() = 0;
   /// The log line where `CheckBeforeBuild` fails; null for a class that does not ask.
   virtual const wchar_t* RankRefusal() const = 0;
+  /// What the surrogate, just built by `BuildOptimal`, predicts at the samples. A class whose fit has found it already
+  /// hands that over.
+  virtual CandidatePredictions Predict();
   virtual void LogCandidate(const SubspaceResults& result) const = 0;
 
   /// The copy of settings on which a reduction works.
@@ -99,9 +115,10 @@ class ModelSearch {
 
   std::optional<std::size_t> Repeat(const Outcome& outcome) const;
   Outcome BuildCandidate(const SurrogateSettingsBase& settings);
-  SubspaceResults MeasureSurrogate(const SurrogateBase& surrogate) const;
+  SubspaceResults MeasureBuilt();
   std::optional<SubspaceResults> BestOfComplexity(std::uint64_t complexity);
   std::optional<std::uint64_t> LeastImportantInput(const Selection& selected, const VectorIn& importance) const;
+  /// Builds the surrogate with settings that a fit has completed; the one that was built last stands already.
   void Rebuild(const SurrogateSettingsBase& settings);
 
   const SearchContext& context_;

@@ -4,19 +4,8 @@
 namespace kestrel::math::metamodel {
 namespace {
 
-Selection SelectedInputs(const IndexVector& subspace) {
-  Selection variables(static_cast<std::size_t>(subspace.size()));
-  for (Index j = 0; j < subspace.size(); ++j) variables.set(static_cast<std::size_t>(j), subspace(j) != 0);
-  return variables;
-}
-
 const LinearRegressionSettings& AsPolynomial(const SurrogateSettingsBase& settings) {
   return dynamic_cast<const LinearRegressionSettings&>(settings);
-}
-
-double FittedExponent(const SurrogateSettingsBase& settings) {
-  const std::vector<double>& parameters = settings.GetValueTransformationParameter();
-  return parameters.empty() ? 1.0 : parameters.front();
 }
 
 }  // namespace
