@@ -17,7 +17,31 @@ std::unique_ptr<KernelBase> Make(const VectorIn& parameters) {
 
 }  // namespace
 
-Vector KernelBase::EvaluateDistances(const VectorIn& /*squared_distances*/) const {
+Vector KernelBase::EvaluatePoint(const VectorIn& point, const MatrixIn& support_points) const {
+  Matrix values(support_points.rows(), 1);
+  EvaluatePoints(point.transpose(), support_points, values);
+  return values.col(0);
+}
+
+void KernelBase::EvaluatePoints(const MatrixIn& points, const MatrixIn& support_points,
+                                Eigen::Ref<Matrix> values) const {
+  for (Index q = 0; q < points.rows(); ++q) {
+    values.col(q).setZero();
+    // Differences first: points that coincide are at exactly 0.
+    for (Index j = 0; j < points.cols(); ++j) {
+      values.col(q).array() += (support_points.col(j).array() - points(q, j)).square();
+    }
+  }
+  ReplaceDistances(values);
+}
+
+Vector KernelBase::EvaluateDistances(const VectorIn& squared_distances) const {
+  Matrix values = squared_distances;
+  ReplaceDistances(values);
+  return values.col(0);
+}
+
+void KernelBase::ReplaceDistances(Eigen::Ref<Matrix> /*squared_distances*/) const {
   throw std::domain_error("EvaluateDistances works only for isotropic kernels");
 }
 

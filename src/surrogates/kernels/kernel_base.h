@@ -27,9 +27,13 @@ class KernelBase {
   virtual ~KernelBase() = default;
 
   /// One value per support point. @param point  length n.  @param support_points  N x n, one row per point.
-  virtual Vector EvaluatePoint(const VectorIn& point, const MatrixIn& support_points) const = 0;
-  /// Values at squared distances; std::domain_error for kernels that are not isotropic.
+  virtual Vector EvaluatePoint(const VectorIn& point, const MatrixIn& support_points) const;
+  /// The same for many points, B x n, at once: column q of `values`, N x B, belongs to row q of `points`.
+  virtual void EvaluatePoints(const MatrixIn& points, const MatrixIn& support_points, Eigen::Ref<Matrix> values) const;
+  /// Values at squared distances; std::domain_error for kernels of more than the distances from one point.
   virtual Vector EvaluateDistances(const VectorIn& squared_distances) const;
+  /// The same in place; each column holds the squared distances of one point from all support points.
+  virtual void ReplaceDistances(Eigen::Ref<Matrix> squared_distances) const;
   virtual double EvaluateDistance(double squared_distance) const;
   virtual std::unique_ptr<KernelBase> clone() const = 0;
   virtual bool IsCorrelation() const { return false; }

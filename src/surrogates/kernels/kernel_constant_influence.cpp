@@ -28,17 +28,21 @@ void RequireValidParameters(const Vector& parameters) {
 
 }  // namespace
 
-Vector KernelConstInfl::EvaluatePoint(const VectorIn& point, const MatrixIn& support_points) const {
-  Vector values(support_points.rows());
-  Vector difference(point.size());
-  for (Index i = support_points.rows() - 1; i >= 0; --i) {
-    difference = point - support_points.row(i).transpose();
-    values[i] = CalculateKernelFromDiffVec(difference);
-  }
-  return values;
-}
-
 KernelConstInflExp::KernelConstInflExp(const VectorIn& parameters) { SetParameters(parameters); }
+
+void KernelConstInflExp::EvaluatePoints(const MatrixIn& points, const MatrixIn& support_points,
+                                        Eigen::Ref<Matrix> values) const {
+  for (Index q = 0; q < points.rows(); ++q) {
+    auto column = values.col(q).array();
+    column.setZero();
+    if (points.cols() == helper_term_.size()) {  // else the sum over no terms
+      for (Index j = 0; j < points.cols(); ++j) {
+        column += helper_term_[j] * (support_points.col(j).array() - points(q, j)).square();
+      }
+    }
+    column = column.exp();
+  }
+}
 
 double KernelConstInflExp::CalculateKernelFromDiffVec(const VectorIn& difference) const {
   if (difference.size() != helper_term_.size()) return 1.0;  // the sum over no terms
@@ -62,19 +66,15 @@ double KernelConstInflIso::CalculateKernelFromDiffVec(const VectorIn& difference
   return CalculateKernelFromDistance(difference.squaredNorm());
 }
 
-Vector KernelConstInflIso::EvaluateDistances(const VectorIn& squared_distances) const {
-  Vector values(squared_distances.size());
-  for (Index i = squared_distances.size() - 1; i >= 0; --i) {
-    values[i] = CalculateKernelFromDistance(squared_distances[i]);
-  }
-  return values;
-}
-
 double KernelConstInflIso::EvaluateDistance(double squared_distance) const {
   return CalculateKernelFromDistance(squared_distance);
 }
 
 KernelConstInflIsoExp::KernelConstInflIsoExp(const VectorIn& parameters) { SetParameters(parameters); }
+
+void KernelConstInflIsoExp::ReplaceDistances(Eigen::Ref<Matrix> squared_distances) const {
+  for (auto column : squared_distances.colwise()) column = (helper_term_ * column.array()).exp();
+}
 
 double KernelConstInflIsoExp::CalculateKernelFromDistance(double squared_distance) const {
   return std::exp(helper_term_ * squared_distance);
@@ -90,6 +90,19 @@ void KernelConstInflIsoExp::SetParameters(const VectorIn& parameters) {
 }
 
 KernelConstInflIsoReg::KernelConstInflIsoReg(const VectorIn& parameters) { SetParameters(parameters); }
+
+void KernelConstInflIsoReg::ReplaceDistances(Eigen::Ref<Matrix> squared_distances) const {
+  for (auto column : squared_distances.colwise()) {
+    column.array() /= D_squared_;
+    column.array() += epsilon_;
+    if (m_ == 2.0) {
+      column = column.array().square().inverse();  // what every kernel has but one that a file changed
+    } else {
+      column = column.array().pow(-m_);
+    }
+    column = (column.array() - helper_term_).max(0.0);
+  }
+}
 
 double KernelConstInflIsoReg::CalculateKernelFromDistance(double squared_distance) const {
   return std::max(0.0, std::pow(squared_distance / D_squared_ + epsilon_, -m_) - helper_term_);

@@ -7,7 +7,6 @@ namespace kestrel::math::metamodel {
 /// Kernels whose influence does not depend on where the support points lie.
 class KernelConstInfl : public KernelBase {
  public:
-  Vector EvaluatePoint(const VectorIn& point, const MatrixIn& support_points) const override;
   /// @param difference  query point minus support point.
   virtual double CalculateKernelFromDiffVec(const VectorIn& difference) const = 0;
   bool IsConstantInfluence() const override { return true; }
@@ -25,6 +24,7 @@ class KernelConstInflExp final : public KernelConstInfl {
   KernelConstInflExp() = default;
   explicit KernelConstInflExp(const VectorIn& parameters);
 
+  void EvaluatePoints(const MatrixIn& points, const MatrixIn& support_points, Eigen::Ref<Matrix> values) const override;
   double CalculateKernelFromDiffVec(const VectorIn& difference) const override;
   std::unique_ptr<KernelBase> clone() const override;
   bool IsCorrelation() const override { return true; }
@@ -46,7 +46,6 @@ class KernelConstInflIso : public KernelConstInfl {
  public:
   double CalculateKernelFromDiffVec(const VectorIn& difference) const override;
   virtual double CalculateKernelFromDistance(double squared_distance) const = 0;
-  Vector EvaluateDistances(const VectorIn& squared_distances) const override;
   double EvaluateDistance(double squared_distance) const override;
   bool IsWeight() const override { return true; }
   bool IsIsotropic() const override { return true; }
@@ -64,6 +63,7 @@ class KernelConstInflIsoExp final : public KernelConstInflIso {
   KernelConstInflIsoExp() = default;
   explicit KernelConstInflIsoExp(const VectorIn& parameters);
 
+  void ReplaceDistances(Eigen::Ref<Matrix> squared_distances) const override;
   double CalculateKernelFromDistance(double squared_distance) const override;
   std::unique_ptr<KernelBase> clone() const override;
   bool IsCorrelation() const override { return true; }
@@ -85,6 +85,7 @@ class KernelConstInflIsoReg final : public KernelConstInflIso {
   KernelConstInflIsoReg() = default;
   explicit KernelConstInflIsoReg(const VectorIn& parameters);
 
+  void ReplaceDistances(Eigen::Ref<Matrix> squared_distances) const override;
   double CalculateKernelFromDistance(double squared_distance) const override;
   std::unique_ptr<KernelBase> clone() const override;
   void SetParameters(const VectorIn& parameters) override;

@@ -7,24 +7,19 @@
 
 namespace kestrel::math::metamodel {
 
-Vector KernelNodalInfl::EvaluatePoint(const VectorIn& point, const MatrixIn& support_points) const {
-  Vector squared_distances = Vector::Zero(support_points.rows());
-  for (Index j = 0; j < support_points.cols(); ++j) {
-    squared_distances.array() += (support_points.col(j).array() - point[j]).square();
-  }
-  return EvaluateDistances(squared_distances);
-}
-
 KernelNodalInflExp::KernelNodalInflExp(const VectorIn& parameters) { SetParameters(parameters); }
 
-Vector KernelNodalInflExp::EvaluateDistances(const VectorIn& squared_distances) const {
+void KernelNodalInflExp::ReplaceDistances(Eigen::Ref<Matrix> squared_distances) const {
   RequireParameters(parameters_);
-  if (squared_distances.size() == 0) return Vector();
-  const auto count = static_cast<double>(squared_distances.size());
+  if (squared_distances.size() == 0) return;
+  const auto count = static_cast<double>(squared_distances.rows());
   const auto k = static_cast<Index>(std::min(count, std::floor(parameters_[0])));
-  Vector sorted = squared_distances;
-  std::nth_element(sorted.data(), sorted.data() + (k - 1), sorted.data() + sorted.size());
-  return (squared_distances.array() * helper_term_ / sorted[k - 1]).exp();
+  Vector sorted(squared_distances.rows());
+  for (auto column : squared_distances.colwise()) {
+    sorted = column;
+    std::nth_element(sorted.data(), sorted.data() + (k - 1), sorted.data() + sorted.size());
+    column = (column.array() * helper_term_ / sorted[k - 1]).exp();
+  }
 }
 
 std::unique_ptr<KernelBase> KernelNodalInflExp::clone() const {

@@ -7,7 +7,6 @@ namespace kestrel::math::metamodel {
 /// Kernels whose radius follows the density of the support points around the query point.
 class KernelNodalInfl : public KernelBase {
  public:
-  Vector EvaluatePoint(const VectorIn& point, const MatrixIn& support_points) const override;
   std::vector<std::wstring> GetParameterNames() const override { return {L"Influence radius"}; }
   std::uint64_t GetNumParameters() const override { return 1; }
 
@@ -24,7 +23,7 @@ class KernelNodalInflExp final : public KernelNodalInfl {
   KernelNodalInflExp() = default;
   explicit KernelNodalInflExp(const VectorIn& parameters);
 
-  Vector EvaluateDistances(const VectorIn& squared_distances) const override;
+  void ReplaceDistances(Eigen::Ref<Matrix> squared_distances) const override;
   std::unique_ptr<KernelBase> clone() const override;
   bool IsCorrelation() const override { return true; }
   bool IsWeight() const override { return true; }
