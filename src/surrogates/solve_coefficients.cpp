@@ -3,39 +3,14 @@
 #include <Eigen/LU>
 #include <algorithm>
 #include <limits>
-#include <numeric>
 
 #include "statistics/basic_statistics.h"
+#include "surrogates/grouped_rows.h"
 
 namespace kestrel::math::metamodel {
 namespace {
 
 using Groups = std::vector<std::uint64_t>;
-
-/// Sample rows in the order of their subsets; subset g holds the entries [begin[g], begin[g + 1]) of `rows`.
-struct GroupedRows {
-  std::vector<Index> rows;
-  std::vector<Index> begin;
-
-  Index Count(std::size_t g) const { return begin[g + 1] - begin[g]; }
-};
-
-/// Counting sort by subset; subsets without a sample are left out.
-GroupedRows GroupRows(const Groups& subsets) {
-  GroupedRows grouped;
-  grouped.rows.resize(subsets.size());
-  std::iota(grouped.rows.begin(), grouped.rows.end(), Index{0});
-  const auto subset_of = [&](Index row) { return subsets[static_cast<std::size_t>(row)]; };
-  std::stable_sort(grouped.rows.begin(), grouped.rows.end(),
-                   [&](Index a, Index b) { return subset_of(a) < subset_of(b); });
-  for (std::size_t i = 0; i < grouped.rows.size(); ++i) {
-    if (i == 0 || subset_of(grouped.rows[i]) != subset_of(grouped.rows[i - 1])) {
-      grouped.begin.push_back(static_cast<Index>(i));
-    }
-  }
-  grouped.begin.push_back(static_cast<Index>(grouped.rows.size()));
-  return grouped;
-}
 
 /// A and b of the normal equations, or a part of them.
 struct NormalSums {
