@@ -3,6 +3,7 @@
 #include "surrogates/kernels/kernel_constant_influence.h"
 #include "surrogates/kernels/kernel_nodal_influence.h"
 #include "surrogates/linear_regression.h"
+#include "surrogates/moving_least_squares.h"
 #include "surrogates/surrogate_tps.h"
 
 namespace kestrel::math::metamodel {
@@ -15,6 +16,7 @@ void surrogate_classes_registration_base_policy() {
   static_cast<void>(KernelConstInflIsoReg());
   static_cast<void>(KernelNodalInflExp());
   static_cast<void>(LinearRegression(Matrix(), Vector()));
+  static_cast<void>(MovingLeastSquares(Matrix(), Vector()));
   static_cast<void>(SurrogateTPS(Matrix(), Vector()));
 }
 

@@ -60,6 +60,12 @@ void KernelBase::RequireParameters(const VectorIn& parameters) {
   if (parameters.size() == 0) throw std::domain_error("KernelConstInflExp: undefined parameter");
 }
 
+void KernelBase::ReplaceExponents(Eigen::Ref<Vector> exponents) {
+  // The vectorised exponential does not fall below some 1e-308, where far points would all weigh the same.
+  constexpr double kSmallestExponent = -708.0;
+  exponents = (exponents.array() < kSmallestExponent).select(0.0, exponents.array().exp());
+}
+
 std::unique_ptr<KernelBase> CreateKernel(Kernel::eType type, const VectorIn& parameters) {
   switch (type) {
     case Kernel::kConstInflExp: return Make<KernelConstInflExp>(parameters);

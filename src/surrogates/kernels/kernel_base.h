@@ -56,6 +56,8 @@ class KernelBase {
 
   /// std::domain_error for an empty vector, with the one text that all kernels use.
   static void RequireParameters(const VectorIn& parameters);
+  /// The exponential of every entry, in place; 0 where it is too small for a normal number.
+  static void ReplaceExponents(Eigen::Ref<Vector> exponents);
 
   Vector parameters_;
 

@@ -40,7 +40,7 @@ void KernelConstInflExp::EvaluatePoints(const MatrixIn& points, const MatrixIn& 
         column += helper_term_[j] * (support_points.col(j).array() - points(q, j)).square();
       }
     }
-    column = column.exp();
+    ReplaceExponents(values.col(q));
   }
 }
 
@@ -73,7 +73,10 @@ double KernelConstInflIso::EvaluateDistance(double squared_distance) const {
 KernelConstInflIsoExp::KernelConstInflIsoExp(const VectorIn& parameters) { SetParameters(parameters); }
 
 void KernelConstInflIsoExp::ReplaceDistances(Eigen::Ref<Matrix> squared_distances) const {
-  for (auto column : squared_distances.colwise()) column = (helper_term_ * column.array()).exp();
+  for (auto column : squared_distances.colwise()) {
+    column *= helper_term_;
+    ReplaceExponents(column);
+  }
 }
 
 double KernelConstInflIsoExp::CalculateKernelFromDistance(double squared_distance) const {

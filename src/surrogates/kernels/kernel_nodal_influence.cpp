@@ -18,7 +18,8 @@ void KernelNodalInflExp::ReplaceDistances(Eigen::Ref<Matrix> squared_distances) 
   for (auto column : squared_distances.colwise()) {
     sorted = column;
     std::nth_element(sorted.data(), sorted.data() + (k - 1), sorted.data() + sorted.size());
-    column = (column.array() * helper_term_ / sorted[k - 1]).exp();
+    column = column.array() * helper_term_ / sorted[k - 1];
+    ReplaceExponents(column);
   }
 }
 
