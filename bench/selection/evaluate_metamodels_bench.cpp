@@ -36,12 +36,29 @@ LinearRegression FullQuadratic(const Sample& sample) {
   return regression;
 }
 
-void EvaluatePolynomials(benchmark::State& state) {
+void Evaluate(benchmark::State& state, const ZORSettings& settings) {
   const Sample sample = MakeSample(state);
   Zor zor(sample.x, sample.y, {}, L"y");
+  zor.Initialize(settings);
+  zor.SetInfoImportant(std::vector<std::uint64_t>(static_cast<std::size_t>(sample.x.cols()), 1));
   zor.BuildSubspaces();
   for (auto _ : state) zor.EvaluateMetamodels();
   state.counters["subspaces"] = static_cast<double>(zor.GetSubspaces().cols());
+}
+
+void EvaluatePolynomials(benchmark::State& state) {
+  ZORSettings settings;
+  settings.SetUseMLS(false);
+  settings.SetUseKriging(false);
+  Evaluate(state, settings);
+}
+
+// With the Sobol indices of the winner, which take 10,000 local fits for each of its inputs.
+void EvaluateMovingLeastSquares(benchmark::State& state) {
+  ZORSettings settings;
+  settings.SetUsePolynomials(false);
+  settings.SetUseKriging(false);
+  Evaluate(state, settings);
 }
 
 void SobolIndicesOfQuadratic(benchmark::State& state) {
@@ -58,6 +75,7 @@ void ImportanceOfQuadratic(benchmark::State& state) {
 }
 
 BENCHMARK(EvaluatePolynomials)->ArgsProduct({{100, 500}, {5, 20}})->Unit(benchmark::kMillisecond);
+BENCHMARK(EvaluateMovingLeastSquares)->Args({50, 3})->Args({100, 5})->Args({200, 8})->Unit(benchmark::kMillisecond);
 BENCHMARK(SobolIndicesOfQuadratic)->Args({100, 5})->Args({500, 20})->Unit(benchmark::kMillisecond);
 BENCHMARK(ImportanceOfQuadratic)->Args({100, 5})->Args({500, 20})->Unit(benchmark::kMillisecond);
 

@@ -81,6 +81,10 @@ class ModelSearch {
   /// False, with a log line, if the largest cross-validation subset leaves fewer samples than coefficients.
   bool EnoughInCrossValidation(const SurrogateSettingsBase& settings) const;
 
+  /// What the surrogate, just built by `BuildOptimal`, predicts at the samples. A class whose fit has found it already
+  /// hands that over.
+  virtual CandidatePredictions Predict();
+
   /// The log line of a step of a reduction for models that select inputs, not terms.
   void LogReducedInputs(const SubspaceResults& result) const;
 
@@ -96,9 +100,6 @@ class ModelSearch {
   virtual SurrogateBase& Surrogate() = 0;
   /// The log line where `CheckBeforeBuild` fails; null for a class that does not ask.
   virtual const wchar_t* RankRefusal() const = 0;
-  /// What the surrogate, just built by `BuildOptimal`, predicts at the samples. A class whose fit has found it already
-  /// hands that over.
-  virtual CandidatePredictions Predict();
   virtual void LogCandidate(const SubspaceResults& result) const = 0;
 
   /// The copy of settings on which a reduction works.

@@ -3,6 +3,7 @@
 #include <stdexcept>
 
 #include "selection/log_text.h"
+#include "selection/mls_search.h"
 #include "selection/polynomial_search.h"
 #include "selection/print_results.h"
 #include "selection/sobol_indices.h"
@@ -19,12 +20,14 @@ constexpr std::uint64_t kSobolSamples = 10000;
 std::vector<std::unique_ptr<ModelSearch>> MakeSearches(const SearchContext& context, CandidateRanking& ranking) {
   std::vector<std::unique_ptr<ModelSearch>> searches;
   searches.push_back(std::make_unique<PolynomialSearch>(context, ranking));
+  searches.push_back(std::make_unique<MlsSearch>(context, ranking));
   return searches;
 }
 
 std::unique_ptr<SurrogateBase> MakeSurrogate(ModelType::eModelType type, const SearchContext& context) {
   switch (type) {
     case ModelType::kPolynomial: return std::make_unique<LinearRegression>(context.inputs, context.response);
+    case ModelType::kMLS: return std::make_unique<MovingLeastSquares>(context.inputs, context.response);
     case ModelType::kASCMO:
     case ModelType::kCustom: throw std::logic_error(" Type of best ZOR model not supported");
     default: throw std::logic_error(" Type of best ZOR model not known");

@@ -96,6 +96,8 @@ TEST(EvaluateMetamodels, FallsBackToADefaultRegression) {
     const Matrix inputs = RandomPoints(c.samples, 4, 1);
     ZORSettings settings = Settings(inputs);
     settings.SetCoeffFactorPolynomial(100.0);  // no polynomial has samples enough
+    settings.SetUseMLS(false);
+    settings.SetUseKriging(false);
     const WideLog log = std::make_shared<utils::log::VectorLog>();
     const Zor zor = Evaluated(inputs, inputs.col(0), settings, log);
     EXPECT_EQ(CountLines(log, L"y" + std::wstring(19, L' ') + L"no model found"), 2) << c.name;
