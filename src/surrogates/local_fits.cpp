@@ -9,7 +9,6 @@ namespace kestrel::math::metamodel {
 namespace {
 
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
-constexpr double kNegligibleWeight = 1e-5;
 
 /// Support points and products per panel: it stays in the second-level cache, and so does a block of weights.
 constexpr Index kPanelRows = 256;

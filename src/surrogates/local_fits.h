@@ -17,6 +17,9 @@
 /// instead of a rank update for each.
 namespace kestrel::math::metamodel {
 
+/// Weights up to this do not count as those of neighbours.
+inline constexpr double kNegligibleWeight = 1e-5;
+
 class LocalFits {
  public:
   /// @param basis, values   N x k and N x r matrices that outlive the object.

@@ -1,5 +1,6 @@
 #include <numeric>
 #include <stdexcept>
+#include <utility>
 
 #include "statistics/basic_statistics.h"
 #include "surrogates/linear_regression.h"
@@ -68,7 +69,7 @@ bool MovingLeastSquares::BuildOptimalRadius(const Subsets& subsets) {
 
   search_.reset();
   if (!distances_ || !distances_->BelongTo(points_trans_reduced_, subsets)) {
-    distances_ = std::make_shared<SampleDistances>(points_trans_reduced_, subsets);
+    distances_ = std::make_shared<SampleDistances>(points_trans_reduced_, subsets, [this] { CheckInterrupted(); });
   }
   const bool apart = distances_->GetLargestSquared() > kOnePoint;
   if (apart && statistics::isConst(values_)) {
@@ -83,7 +84,7 @@ bool MovingLeastSquares::BuildOptimalRadius(const Subsets& subsets) {
 
 void MovingLeastSquares::SearchRadius(KernelBase& kernel, const Subsets& subsets) {
   if (plain_model_ && IsOfThisPlainModel(*plain_model_)) {
-    search_ = std::move(plain_model_);
+    search_ = std::exchange(plain_model_, std::nullopt);
   } else {
     const auto back = [this](Vector fits) { return TransformBack(std::move(fits)); };
     const auto plain_back = [this](Vector fits) {

@@ -13,7 +13,6 @@ namespace kestrel::math::metamodel {
 namespace {
 
 constexpr int kRadii = 21;
-constexpr double kNegligibleWeight = 1e-5;
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
 
 /// The largest entry that is a finite number, 0 without one: an input with one value alone has no smallest distance.
@@ -33,12 +32,19 @@ Matrix ValueColumns(const std::vector<FittedScale>& scales) {
 
 }  // namespace
 
-SampleDistances::SampleDistances(const MatrixIn& points, const std::vector<std::uint64_t>& subsets)
-    : points_(points),
-      subsets_(subsets),
-      grouped_(GroupRows(subsets)),
-      squared_(statistics::CalcDistanceMatrix(points(grouped_.rows, Eigen::all))),
-      largest_squared_(squared_.maxCoeff<Eigen::PropagateNaN>()) {}
+SampleDistances::SampleDistances(const MatrixIn& points, const std::vector<std::uint64_t>& subsets,
+                                 const std::function<void()>& check)
+    : points_(points), subsets_(subsets), grouped_(GroupRows(subsets)), squared_(points.rows(), points.rows()) {
+  // Whole columns, each distance twice: mirroring them would cost more, by writing across the columns.
+  const Matrix sorted = points(grouped_.rows, Eigen::all);
+  for (Index i = 0; i < sorted.rows(); ++i) {
+    check();
+    auto distances = squared_.col(i).array();
+    distances.setZero();
+    for (Index j = 0; j < sorted.cols(); ++j) distances += (sorted.col(j).array() - sorted(i, j)).square();
+  }
+  largest_squared_ = squared_.maxCoeff<Eigen::PropagateNaN>();
+}
 
 bool SampleDistances::BelongTo(const MatrixIn& points, const std::vector<std::uint64_t>& subsets) const {
   return subsets_ == subsets && points_.rows() == points.rows() && points_.cols() == points.cols() && points_ == points;

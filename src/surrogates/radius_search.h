@@ -42,7 +42,7 @@ class SampleDistances {
   std::vector<std::uint64_t> subsets_;
   GroupedRows grouped_;
   Matrix squared_;
-  double largest_squared_;
+  double largest_squared_ = 0.0;
 };
 
 /// Predictions at the samples, units of the response.

@@ -66,6 +66,26 @@ TEST(Kernels, StretchEachInputByItsOwnRadius) {
   EXPECT_NEAR(kernel.CalculateKernelFromDiffVec(difference), std::exp(std::log(0.001) * 0.5), 1e-12);
 }
 
+TEST(Kernels, EvaluateManyPointsAsTheDifferencesSay) {
+  const Matrix support = testing::RandomPoints(21, 3, 1);
+  const Matrix points = testing::RandomPoints(5, 3, 2);
+  const KernelConstInflExp anisotropic((Vector(3) << 0.5, 1.0, 4.0).finished());
+  const KernelConstInflIsoExp isotropic(One(1.3));
+  const KernelConstInflIsoReg regularized(One(1.3));
+  for (const KernelConstInfl* kernel :
+       std::initializer_list<const KernelConstInfl*>{&anisotropic, &isotropic, &regularized}) {
+    Matrix values(21, 5);
+    kernel->EvaluatePoints(points, support, values);
+    for (Index q = 0; q < 5; ++q) {
+      for (Index i = 0; i < 21; ++i) {
+        const double expected = kernel->CalculateKernelFromDiffVec((points.row(q) - support.row(i)).transpose());
+        EXPECT_NEAR(values(i, q), expected, 1e-13 * expected);
+      }
+    }
+  }
+  EXPECT_EQ(isotropic.EvaluateDistances(Vector::Constant(4, 1e6)), Vector::Zero(4));  // far points weigh nothing
+}
+
 TEST(Kernels, NodalRadiusReachesTheKthNeighbour) {
   const auto kernel = CreateKernel(Kernel::kNodalInflExp, One(3.0));
   const Matrix support = (Matrix(5, 1) << 9.0, -1.0, 4.0, 2.0, 7.0).finished();
