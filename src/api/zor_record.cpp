@@ -15,6 +15,7 @@
 #include "datatypes/extract_parameters.h"
 #include "support/strings.h"
 #include "surrogates/linear_regression.h"
+#include "surrogates/moving_least_squares.h"
 
 namespace {
 
@@ -102,8 +103,9 @@ std::uint64_t NumberOfWorkers(std::uint64_t wanted) {
 }
 
 ZOR::ModelNumber ModelTypeOf(const SurrogateBase* surrogate) {
-  if (dynamic_cast<const kestrel::math::metamodel::LinearRegression*>(surrogate))
-    return ZOR::ModelNumber{zor_model_polynomial};
+  namespace models = kestrel::math::metamodel;
+  if (dynamic_cast<const models::LinearRegression*>(surrogate)) return ZOR::ModelNumber{zor_model_polynomial};
+  if (dynamic_cast<const models::MovingLeastSquares*>(surrogate)) return ZOR::ModelNumber{zor_model_mls};
   return ZOR::ModelNumber{zor_model_none};
 }
 

@@ -160,6 +160,17 @@ Class RegressionSettings() {
            {"interaction_selection_", Bits()}}};
 }
 
+Class MovingLeastSquaresSettings() {
+  return {"kestrel::math::metamodel::MovingLeastSquaresSettings",
+          0,
+          kTracked,
+          {{"SurrogateSettingsBase", SurrogateSettingsBase()},
+           {"order_", kUnsigned},
+           {"main_term_selection_", Bits()},
+           {"kernel_type_", kSigned},
+           {"kernel_parameter_", kVector}}};
+}
+
 Field Surrogate() {
   const Class regression{"kestrel::math::metamodel::LinearRegression",
                          1,
@@ -167,7 +178,14 @@ Field Surrogate() {
                          {{"SurrogateBase", SurrogateBase()},
                           {"coefficients_", kVector},
                           {"settings_", PlainWalk::Object(RegressionSettings())}}};
-  return PlainWalk::Shared("SurrogateBase", PlainWalk::Pointer({regression}));
+  const Class moving_least_squares{"kestrel::math::metamodel::MovingLeastSquares",
+                                   3,
+                                   kTracked,
+                                   {{"SurrogateBase", SurrogateBase()},
+                                    {"coefficient_matrix_", kMatrix},
+                                    {"settings_", PlainWalk::Object(MovingLeastSquaresSettings())},
+                                    {"values_trans_", kVector}}};
+  return PlainWalk::Shared("SurrogateBase", PlainWalk::Pointer({regression, moving_least_squares}));
 }
 
 Field Id() {
@@ -289,18 +307,19 @@ Field DesignManager() {
 }
 
 Field SubspaceResultContainer() {
-  const Field result = PlainWalk::Object({"kestrel::math::metamodel::SubspaceResults",
-                                          0,
-                                          kTracked,
-                                          {{"model_type", kSigned},
-                                           {"settings", PlainWalk::Pointer({RegressionSettings()})},
-                                           {"CoD", kReal},
-                                           {"CoDadj", kReal},
-                                           {"CoP", kReal},
-                                           {"CoPadj", kReal},
-                                           {"CoDtest", kReal},
-                                           {"predError", kReal},
-                                           {"singleCoPs", kMatrix}}});
+  const Field result =
+      PlainWalk::Object({"kestrel::math::metamodel::SubspaceResults",
+                         0,
+                         kTracked,
+                         {{"model_type", kSigned},
+                          {"settings", PlainWalk::Pointer({RegressionSettings(), MovingLeastSquaresSettings()})},
+                          {"CoD", kReal},
+                          {"CoDadj", kReal},
+                          {"CoP", kReal},
+                          {"CoPadj", kReal},
+                          {"CoDtest", kReal},
+                          {"predError", kReal},
+                          {"singleCoPs", kMatrix}}});
   const Field results = PlainWalk::Map("results by name", kText, PlainWalk::List("vector of results", result));
   const Class container{"kestrel::math::metamodel::SubspaceResultContainer", 0, kTracked, {{"results_", results}}};
   return PlainWalk::Shared("SubspaceResultContainer", PlainWalk::PointerToConcrete({container}));
@@ -359,7 +378,8 @@ Field AutomaticSettings() {
 }
 
 Field AdvancedSettings() {
-  const Field custom = PlainWalk::Shared("SurrogateSettingsBase", PlainWalk::Pointer({RegressionSettings()}));
+  const Field custom = PlainWalk::Shared("SurrogateSettingsBase",
+                                         PlainWalk::Pointer({RegressionSettings(), MovingLeastSquaresSettings()}));
   return PlainWalk::Object({"kestrel::zor::ZORAdvancedSettings",
                             2,
                             kTracked,
