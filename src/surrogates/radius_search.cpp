@@ -5,7 +5,6 @@
 #include <limits>
 #include <utility>
 
-#include "statistics/basic_statistics.h"
 #include "statistics/distances.h"
 #include "surrogates/local_fits.h"
 
@@ -22,6 +21,14 @@ double LargestFinite(const Vector& entries) {
     if (std::isfinite(entry)) largest = std::max(largest, entry);
   }
   return largest;
+}
+
+/// 2 SSE(cross validation) - SSE(fit) of responses in units of their largest magnitude: that ranks the radii alike, and
+/// squares of very large responses stay numbers.
+double Objective(const Vector& response, const SamplePredictions& predictions) {
+  const double largest = response.cwiseAbs().maxCoeff();
+  const auto sum_of_squares = [&](const Vector& values) { return ((response - values) / largest).squaredNorm(); };
+  return 2.0 * sum_of_squares(predictions.cross_validation) - sum_of_squares(predictions.fit);
 }
 
 Matrix ValueColumns(const std::vector<FittedScale>& scales) {
@@ -107,8 +114,7 @@ std::vector<BestRadius> FindBestRadius(const RadiusProblem& problem, KernelBase&
       const auto column = static_cast<Index>(s);
       SamplePredictions predictions{scales[s].back(fits.GetFit().col(column)),
                                     scales[s].back(fits.GetCrossValidation().col(column))};
-      const double objective = 2.0 * statistics::SSE(problem.response, predictions.cross_validation) -
-                               statistics::SSE(problem.response, predictions.fit);
+      const double objective = Objective(problem.response, predictions);
       if (!(objective < least[s])) continue;  // a NaN never is
       least[s] = objective;
       best[s] = {radius, std::move(predictions)};
