@@ -15,8 +15,9 @@ namespace kestrel::math::metamodel {
 class SampleDistances {
  public:
   /// @param points  N x n in the coordinates of the model, selected inputs only.  @param subsets  one number per
-  /// sample.
-  SampleDistances(const MatrixIn& points, const std::vector<std::uint64_t>& subsets);
+  /// sample.  @param check  called for each sample; it may throw.
+  SampleDistances(const MatrixIn& points, const std::vector<std::uint64_t>& subsets,
+                  const std::function<void()>& check);
 
   bool BelongTo(const MatrixIn& points, const std::vector<std::uint64_t>& subsets) const;
 
