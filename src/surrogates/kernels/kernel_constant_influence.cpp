@@ -12,8 +12,6 @@ namespace {
 /// 1 / sqrt(-ln(0.001)): with it exp(-(r / (d c))^2) is 0.001 at r = d.
 constexpr double kRadiusFactor = 0.3804797331016252;
 
-double ExponentialTerm(double radius) { return -1.0 / (radius * radius * kRadiusFactor * kRadiusFactor); }
-
 template <class Concrete>
 std::unique_ptr<KernelBase> CloneOf(const Vector& parameters) {
   if (parameters.size() == 0) return std::make_unique<Concrete>();
@@ -27,6 +25,8 @@ void RequireValidParameters(const Vector& parameters) {
 }
 
 }  // namespace
+
+double ExponentialTerm(double radius) { return -1.0 / (radius * radius * kRadiusFactor * kRadiusFactor); }
 
 KernelConstInflExp::KernelConstInflExp(const VectorIn& parameters) { SetParameters(parameters); }
 

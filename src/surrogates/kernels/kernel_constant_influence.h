@@ -18,6 +18,9 @@ class KernelConstInfl : public KernelBase {
   void serialize(Archive& archive, unsigned int version);
 };
 
+/// h = ln(0.001) / d^2, the factor of a squared distance in the exponent of a kernel with radius d.
+double ExponentialTerm(double radius);
+
 /// exp(sum_j h_j v_j^2) with one radius d_j per input, h_j = ln(0.001) / d_j^2.
 class KernelConstInflExp final : public KernelConstInfl {
  public:
