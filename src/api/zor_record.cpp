@@ -16,6 +16,7 @@
 #include "support/strings.h"
 #include "surrogates/linear_regression.h"
 #include "surrogates/moving_least_squares.h"
+#include "surrogates/ordinary_kriging.h"
 
 namespace {
 
@@ -106,6 +107,7 @@ ZOR::ModelNumber ModelTypeOf(const SurrogateBase* surrogate) {
   namespace models = kestrel::math::metamodel;
   if (dynamic_cast<const models::LinearRegression*>(surrogate)) return ZOR::ModelNumber{zor_model_polynomial};
   if (dynamic_cast<const models::MovingLeastSquares*>(surrogate)) return ZOR::ModelNumber{zor_model_mls};
+  if (dynamic_cast<const models::OrdinaryKriging*>(surrogate)) return ZOR::ModelNumber{zor_model_kriging};
   return ZOR::ModelNumber{zor_model_none};
 }
 

@@ -2,6 +2,7 @@
 #include <limits>
 #include <stdexcept>
 
+#include "selection/kriging_search.h"
 #include "selection/log_text.h"
 #include "selection/mls_search.h"
 #include "selection/polynomial_search.h"
@@ -21,6 +22,7 @@ std::vector<std::unique_ptr<ModelSearch>> MakeSearches(const SearchContext& cont
   std::vector<std::unique_ptr<ModelSearch>> searches;
   searches.push_back(std::make_unique<PolynomialSearch>(context, ranking));
   searches.push_back(std::make_unique<MlsSearch>(context, ranking));
+  searches.push_back(std::make_unique<KrigingSearch>(context, ranking));
   return searches;
 }
 
@@ -28,6 +30,7 @@ std::unique_ptr<SurrogateBase> MakeSurrogate(ModelType::eModelType type, const S
   switch (type) {
     case ModelType::kPolynomial: return std::make_unique<LinearRegression>(context.inputs, context.response);
     case ModelType::kMLS: return std::make_unique<MovingLeastSquares>(context.inputs, context.response);
+    case ModelType::kKriging: return std::make_unique<OrdinaryKriging>(context.inputs, context.response);
     case ModelType::kASCMO:
     case ModelType::kCustom: throw std::logic_error(" Type of best ZOR model not supported");
     default: throw std::logic_error(" Type of best ZOR model not known");
@@ -140,6 +143,7 @@ std::unique_ptr<SurrogateBase> Zor::GetBestMetamodel() const {
   std::unique_ptr<SurrogateBase> surrogate = BuildBest();
   surrogate->BuildErrors();
   surrogate->SetStopHelper(nullptr);  // the model outlives the search
+  surrogate->Finalize();
   return surrogate;
 }
 

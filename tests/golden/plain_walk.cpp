@@ -171,6 +171,23 @@ Class MovingLeastSquaresSettings() {
            {"kernel_parameter_", kVector}}};
 }
 
+Class OrdinaryKrigingSettings() {
+  return {"kestrel::math::metamodel::OrdinaryKrigingSettings",
+          0,
+          kTracked,
+          {{"SurrogateSettingsBase", SurrogateSettingsBase()},
+           {"nugget_", kReal},
+           {"use_likelihood_", kBool},
+           {"kernel_type_", kSigned},
+           {"kernel_parameter_", kVector},
+           {"selection_", Bits()}}};
+}
+
+/// The settings of a model of any class, behind a pointer.
+Field SettingsPointer() {
+  return PlainWalk::Pointer({RegressionSettings(), MovingLeastSquaresSettings(), OrdinaryKrigingSettings()});
+}
+
 Field Surrogate() {
   const Class regression{"kestrel::math::metamodel::LinearRegression",
                          1,
@@ -185,7 +202,16 @@ Field Surrogate() {
                                     {"coefficient_matrix_", kMatrix},
                                     {"settings_", PlainWalk::Object(MovingLeastSquaresSettings())},
                                     {"values_trans_", kVector}}};
-  return PlainWalk::Shared("SurrogateBase", PlainWalk::Pointer({regression, moving_least_squares}));
+  const Class kriging{"kestrel::math::metamodel::OrdinaryKriging",
+                      2,
+                      kTracked,
+                      {{"SurrogateBase", SurrogateBase()},
+                       {"mean_", kReal},
+                       {"sigma2_", kReal},
+                       {"kernel_weights_", kVector},
+                       {"settings_", PlainWalk::Object(OrdinaryKrigingSettings())},
+                       {"values_trans_", kVector}}};
+  return PlainWalk::Shared("SurrogateBase", PlainWalk::Pointer({regression, moving_least_squares, kriging}));
 }
 
 Field Id() {
@@ -307,19 +333,18 @@ Field DesignManager() {
 }
 
 Field SubspaceResultContainer() {
-  const Field result =
-      PlainWalk::Object({"kestrel::math::metamodel::SubspaceResults",
-                         0,
-                         kTracked,
-                         {{"model_type", kSigned},
-                          {"settings", PlainWalk::Pointer({RegressionSettings(), MovingLeastSquaresSettings()})},
-                          {"CoD", kReal},
-                          {"CoDadj", kReal},
-                          {"CoP", kReal},
-                          {"CoPadj", kReal},
-                          {"CoDtest", kReal},
-                          {"predError", kReal},
-                          {"singleCoPs", kMatrix}}});
+  const Field result = PlainWalk::Object({"kestrel::math::metamodel::SubspaceResults",
+                                          0,
+                                          kTracked,
+                                          {{"model_type", kSigned},
+                                           {"settings", SettingsPointer()},
+                                           {"CoD", kReal},
+                                           {"CoDadj", kReal},
+                                           {"CoP", kReal},
+                                           {"CoPadj", kReal},
+                                           {"CoDtest", kReal},
+                                           {"predError", kReal},
+                                           {"singleCoPs", kMatrix}}});
   const Field results = PlainWalk::Map("results by name", kText, PlainWalk::List("vector of results", result));
   const Class container{"kestrel::math::metamodel::SubspaceResultContainer", 0, kTracked, {{"results_", results}}};
   return PlainWalk::Shared("SubspaceResultContainer", PlainWalk::PointerToConcrete({container}));
@@ -378,8 +403,7 @@ Field AutomaticSettings() {
 }
 
 Field AdvancedSettings() {
-  const Field custom = PlainWalk::Shared("SurrogateSettingsBase",
-                                         PlainWalk::Pointer({RegressionSettings(), MovingLeastSquaresSettings()}));
+  const Field custom = PlainWalk::Shared("SurrogateSettingsBase", SettingsPointer());
   return PlainWalk::Object({"kestrel::zor::ZORAdvancedSettings",
                             2,
                             kTracked,
