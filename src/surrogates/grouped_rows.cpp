@@ -21,4 +21,10 @@ GroupedRows GroupRows(const std::vector<std::uint64_t>& subsets) {
   return grouped;
 }
 
+std::vector<std::uint64_t> SingleRows(Index count) {
+  std::vector<std::uint64_t> subsets(static_cast<std::size_t>(count));
+  std::iota(subsets.begin(), subsets.end(), std::uint64_t{0});
+  return subsets;
+}
+
 }  // namespace kestrel::math::metamodel

@@ -2,7 +2,8 @@
 
 #include <Eigen/Cholesky>
 #include <limits>
-#include <map>
+
+#include "surrogates/grouped_rows.h"
 
 namespace kestrel::math::metamodel {
 namespace {
@@ -11,14 +12,6 @@ namespace {
 Vector SolveOnes(const Matrix& V) { return V.transpose() * V.rowwise().sum(); }
 
 }  // namespace
-
-std::vector<std::vector<Index>> GroupSamples(const std::vector<std::uint64_t>& subsets) {
-  std::map<std::uint64_t, std::vector<Index>> samples;  // numbers from a caller may be of any size
-  for (std::size_t i = 0; i < subsets.size(); ++i) samples[subsets[i]].push_back(static_cast<Index>(i));
-  std::vector<std::vector<Index>> groups;
-  for (auto& [subset, group] : samples) groups.push_back(std::move(group));
-  return groups;
-}
 
 Vector LeaveOneOutErrors(const Matrix& V, const VectorIn& weights) {
   if (weights.size() == 1) return Vector::Constant(1, std::numeric_limits<double>::quiet_NaN());
@@ -31,8 +24,10 @@ Vector LeaveSubsetsOutErrors(const Matrix& V, const VectorIn& weights, const std
                              const utils::StopHelper* stop) {
   const Vector b = SolveOnes(V);
   Vector errors(weights.size());
-  for (const std::vector<Index>& group : GroupSamples(subsets)) {
+  const GroupedRows grouped = GroupRows(subsets);
+  for (std::size_t g = 0; g < grouped.NumGroups(); ++g) {
     utils::CheckInterrupted(stop);
+    const std::vector<Index> group = grouped.Group(g);
     if (static_cast<Index>(group.size()) == weights.size()) {  // nothing is left to predict from
       errors.setConstant(std::numeric_limits<double>::quiet_NaN());
       break;

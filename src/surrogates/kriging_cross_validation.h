@@ -20,7 +20,4 @@ Vector LeaveOneOutErrors(const Matrix& V, const VectorIn& weights);
 Vector LeaveSubsetsOutErrors(const Matrix& V, const VectorIn& weights, const std::vector<std::uint64_t>& subsets,
                              const utils::StopHelper* stop);
 
-/// The samples of each subset, in ascending order.
-std::vector<std::vector<Index>> GroupSamples(const std::vector<std::uint64_t>& subsets);
-
 }  // namespace kestrel::math::metamodel

@@ -1,8 +1,8 @@
-#include <numeric>
 #include <stdexcept>
 #include <utility>
 
 #include "statistics/basic_statistics.h"
+#include "surrogates/grouped_rows.h"
 #include "surrogates/linear_regression.h"
 #include "surrogates/moving_least_squares.h"
 
@@ -14,12 +14,7 @@ namespace {
 /// Samples that are all at one point have no radius.
 constexpr double kOnePoint = 1e-24;
 
-Subsets SubsetsOrSingles(const Subsets& subsets, Index count) {
-  if (!subsets.empty()) return subsets;
-  Subsets singles(static_cast<std::size_t>(count));
-  std::iota(singles.begin(), singles.end(), std::uint64_t{0});
-  return singles;
-}
+Subsets SubsetsOrSingles(const Subsets& subsets, Index count) { return subsets.empty() ? SingleRows(count) : subsets; }
 
 }  // namespace
 

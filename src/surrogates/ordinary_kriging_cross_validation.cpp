@@ -6,6 +6,7 @@
 #include <stdexcept>
 
 #include "statistics/basic_statistics.h"
+#include "surrogates/grouped_rows.h"
 #include "surrogates/kriging_correlation.h"
 #include "surrogates/kriging_cross_validation.h"
 #include "surrogates/ordinary_kriging.h"
@@ -25,13 +26,6 @@ std::vector<Index> Others(Index count, const std::vector<Index>& group) {
   std::vector<Index> others;
   std::set_difference(all.begin(), all.end(), group.begin(), group.end(), std::back_inserter(others));
   return others;
-}
-
-/// Each sample a subset of its own.
-Subsets SingleSamples(Index count) {
-  Subsets each(static_cast<std::size_t>(count));
-  std::iota(each.begin(), each.end(), std::uint64_t{0});
-  return each;
 }
 
 }  // namespace
@@ -77,13 +71,15 @@ Vector OrdinaryKriging::ApproximateCrossValidation(const Subsets& subsets) const
 
 Vector OrdinaryKriging::ApproximateCrossValidationCompare(const Subsets& subsets) const {
   RequireBuiltForCrossValidation();
-  if (subsets.empty()) return ApproximateCrossValidationCompare(SingleSamples(points_.rows()));
+  if (subsets.empty()) return ApproximateCrossValidationCompare(SingleRows(points_.rows()));
   RequireSubsets(subsets);
   return OnFactor([&](const Matrix& R, const KrigingFactor& /*factor*/) {
     const Matrix whole = R.selfadjointView<Eigen::Lower>();
     Vector predictions(points_.rows());
-    for (const std::vector<Index>& group : GroupSamples(subsets)) {
+    const GroupedRows grouped = GroupRows(subsets);
+    for (std::size_t g = 0; g < grouped.NumGroups(); ++g) {
       utils::CheckInterrupted(Stop());
+      const std::vector<Index> group = grouped.Group(g);
       const std::vector<Index> others = Others(points_.rows(), group);
       const Vector z = values_trans_(others);
       const Eigen::LDLT<Matrix> factor(whole(others, others));

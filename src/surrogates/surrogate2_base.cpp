@@ -1,7 +1,6 @@
 #include "surrogates/surrogate2_base.h"
 
 #include <limits>
-#include <numeric>
 #include <stdexcept>
 #include <typeinfo>
 
@@ -9,6 +8,7 @@
 #include "support/error_report.h"
 #include "support/exceptions.h"
 #include "support/matrix_equality.h"
+#include "surrogates/grouped_rows.h"
 
 namespace kestrel::math::metamodel {
 namespace {
@@ -130,9 +130,7 @@ Vector SurrogateBase::Approximate() const {
 
 Vector SurrogateBase::ApproximateLeaveOneOut() const {
   RequireSample();
-  Subsets each(static_cast<std::size_t>(points_.rows()));
-  std::iota(each.begin(), each.end(), std::uint64_t{0});
-  return ApproximateCrossValidation(each);
+  return ApproximateCrossValidation(SingleRows(points_.rows()));
 }
 
 Vector SurrogateBase::ApproximateCrossValidation() const {

@@ -4,12 +4,12 @@
 #include <cmath>
 #include <functional>
 #include <limits>
-#include <numeric>
 #include <stdexcept>
 #include <typeinfo>
 
 #include "statistics/basic_statistics.h"
 #include "support/error_report.h"
+#include "surrogates/grouped_rows.h"
 #include "surrogates/linear_regression.h"
 
 namespace kestrel::math::metamodel {
@@ -29,12 +29,6 @@ std::vector<double> SmoothingGrid() {
   std::vector<double> grid = {0.0};
   for (int exponent = -8; exponent <= 2; ++exponent) grid.push_back(std::pow(10.0, exponent));
   return grid;
-}
-
-Subsets EachItsOwn(Index count) {
-  Subsets subsets(static_cast<std::size_t>(count));
-  std::iota(subsets.begin(), subsets.end(), std::uint64_t{0});
-  return subsets;
 }
 
 }  // namespace
@@ -134,7 +128,7 @@ void SurrogateTPS::FindBoxCox() {
 }
 
 double SurrogateTPS::FindSmoothing(const Vector& values, const Subsets& subsets) {
-  const Subsets groups = subsets.empty() ? EachItsOwn(points_.rows()) : subsets;
+  const Subsets groups = subsets.empty() ? SingleRows(points_.rows()) : subsets;
   double best = settings_.GetSmoothing();
   double least_error = std::numeric_limits<double>::infinity();
   for (const double smoothing : SmoothingGrid()) {

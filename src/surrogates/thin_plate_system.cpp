@@ -3,8 +3,9 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
-#include <map>
 #include <utility>
+
+#include "surrogates/grouped_rows.h"
 
 namespace kestrel::math::metamodel {
 namespace {
@@ -64,12 +65,6 @@ Matrix InverseOfLower(const Matrix& lower) {
     lower.bottomRightCorner(rest, rest).triangularView<Eigen::Lower>().solveInPlace(columns);
   }
   return inverse;
-}
-
-std::map<std::uint64_t, std::vector<Index>> GroupSamples(const std::vector<std::uint64_t>& subsets) {
-  std::map<std::uint64_t, std::vector<Index>> groups;
-  for (std::size_t i = 0; i < subsets.size(); ++i) groups[subsets[i]].push_back(static_cast<Index>(i));
-  return groups;
 }
 
 }  // namespace
@@ -135,7 +130,9 @@ Vector ThinPlateSystem::CrossValidate(const VectorIn& values, const std::vector<
 
   const double singular = static_cast<double>(values.size()) * kEpsilon * root.colwise().squaredNorm().maxCoeff();
   Vector predicted = Vector::Constant(values.size(), std::numeric_limits<double>::quiet_NaN());
-  for (const auto& [subset, samples] : GroupSamples(subsets)) {
+  const GroupedRows grouped = GroupRows(subsets);
+  for (std::size_t g = 0; g < grouped.NumGroups(); ++g) {
+    const std::vector<Index> samples = grouped.Group(g);
     const Matrix columns = root(Eigen::all, samples);
     const Eigen::LDLT<Matrix> block(columns.transpose() * columns);
     if (!(block.vectorD().minCoeff() > singular)) continue;

@@ -7,6 +7,7 @@
 #include "support/matrix_compare.h"
 #include "support/stored.h"
 #include "surrogates/sample_data.h"
+#include "surrogates/stored_records.h"
 #include "surrogates/surrogate_registration.h"
 #include "surrogates/surrogate_tps.h"
 
@@ -14,26 +15,8 @@ namespace kestrel::math::metamodel {
 
 /// The stored layout of a thin plate spline, open to any content.
 struct StoredTPS {
-  struct SettingsBase {
-    std::uint64_t ninputs_ = 2;
-    eTransformation coord_transform_ = eTransformation::kMinMax, value_transform_ = eTransformation::kNone;
-    eTransformation limit_transform_ = eTransformation::kNone;
-    std::vector<double> coord_transform_parameter_ = {0.0, 1.0}, value_transform_parameter_, limit_transform_parameter_;
-    std::int32_t handle_failed_ = 0;
-    eState state_ = eState::kDefault;
-    std::vector<std::wstring> input_names_;
-    template <class Archive>
-    void serialize(Archive& archive, unsigned) {
-      archive& BOOST_SERIALIZATION_NVP(ninputs_) & BOOST_SERIALIZATION_NVP(coord_transform_);
-      archive& BOOST_SERIALIZATION_NVP(coord_transform_parameter_) & BOOST_SERIALIZATION_NVP(value_transform_);
-      archive& BOOST_SERIALIZATION_NVP(value_transform_parameter_) & BOOST_SERIALIZATION_NVP(handle_failed_);
-      archive& BOOST_SERIALIZATION_NVP(state_) & BOOST_SERIALIZATION_NVP(limit_transform_);
-      archive& BOOST_SERIALIZATION_NVP(limit_transform_parameter_) & BOOST_SERIALIZATION_NVP(input_names_);
-    }
-  };
-
   struct Settings {
-    SettingsBase base;
+    StoredSettingsBase<2> base;
     double smoothing_ = 0.0;
     Selection selection_ = Selection(2, 3);
     template <class Archive>
@@ -43,25 +26,7 @@ struct StoredTPS {
     }
   };
 
-  struct Base {
-    Matrix points_, points_trans_reduced_, single_cops_;
-    Vector values_, residuals_, weights_;
-    Subsets subsets_;
-    bool need_build_ = false;
-    std::shared_ptr<transform::Transform> trans_coord_, trans_value_, trans_limit_;
-    double points_radii_mean_ = 0.0;
-    template <class Archive>
-    void serialize(Archive& archive, unsigned) {
-      archive& BOOST_SERIALIZATION_NVP(points_) & BOOST_SERIALIZATION_NVP(values_);
-      archive& BOOST_SERIALIZATION_NVP(points_trans_reduced_) & BOOST_SERIALIZATION_NVP(residuals_);
-      archive& BOOST_SERIALIZATION_NVP(subsets_) & BOOST_SERIALIZATION_NVP(need_build_);
-      archive& BOOST_SERIALIZATION_NVP(trans_coord_) & BOOST_SERIALIZATION_NVP(trans_value_);
-      archive& BOOST_SERIALIZATION_NVP(weights_) & BOOST_SERIALIZATION_NVP(trans_limit_);
-      archive& BOOST_SERIALIZATION_NVP(single_cops_) & BOOST_SERIALIZATION_NVP(points_radii_mean_);
-    }
-  };
-
-  Base base;
+  StoredBase<6> base;
   Vector radial_coefficients_, linear_coefficients_;
   Settings settings_;
   template <class Archive>
@@ -71,12 +36,6 @@ struct StoredTPS {
   }
 };
 
-}  // namespace kestrel::math::metamodel
-
-BOOST_CLASS_VERSION(kestrel::math::metamodel::StoredTPS::SettingsBase, 2)
-BOOST_CLASS_VERSION(kestrel::math::metamodel::StoredTPS::Base, 6)
-
-namespace kestrel::math::metamodel {
 namespace {
 
 using testing::FirstNameOutOfOrder;
@@ -204,7 +163,7 @@ TEST(StoredThinPlateSplines, AreRefusedWhereTheirPartsDoNotMatch) {
       {"negative smoothing", [](auto& r) { r.settings_.smoothing_ = -1.0; }},
       {"NaN smoothing", [](auto& r) { r.settings_.smoothing_ = std::numeric_limits<double>::quiet_NaN(); }},
       {"columns of the scaling", [](auto& r) { r.base.trans_coord_->Build(RandomPoints(4, 3, 1)); }},
-      {"nothing at all", [](auto& r) { r.base = StoredTPS::Base(), r.radial_coefficients_.resize(0); }},
+      {"nothing at all", [](auto& r) { r.base = {}, r.radial_coefficients_.resize(0); }},
   };
   SurrogateTPS read((Matrix()), Vector());
   EXPECT_NO_THROW(Load(Store(Record()), read));
