@@ -137,7 +137,7 @@ void CZORHandler::Build() {
   const std::shared_ptr<LogBase> log = InitializeAlgorithmLog();
   RequireCheck(*log);
   PrepareInformation();
-  SaveSamplingInformation(parameters_, points_.rows(), SamplingBounds(), *log);
+  SaveSamplingInformation(parameters_, static_cast<std::size_t>(points_.rows()), SamplingBounds(), *log);
 
   const auto workers = std::min<std::uint64_t>(settings_.NumResponsesParallel(), response_names_.size());
   if (settings_.GetSettingsType() == eSettingsType::kAutomatic) {
