@@ -1,5 +1,7 @@
 # A thin front onto CMake and CTest. CMakePresets.json has the presets, out/<preset> the build trees.
 PREFIX ?= /usr/local
+# OFF leaves out the second build of the library, for processors with AVX2 and FMA.
+ZOR_V3 ?= ON
 
 .PHONY: demo check sanitize bench fuzz install clean format
 
@@ -8,9 +10,12 @@ demo:
 	@scripts/build.sh release tools/zor/all examples/all
 	@examples/demo.sh out/release
 
-# Builds everything and runs all tests.
+# Builds everything and runs all tests; those that see the library from outside with its second build, too.
 check:
 	@scripts/check.sh release
+ifneq ($(ZOR_V3),OFF)
+	@scripts/check_v3.sh
+endif
 
 # All tests under the address, leak and undefined behaviour sanitizers, then the thread tests under the thread sanitizer.
 sanitize:
@@ -29,9 +34,11 @@ fuzz:
 # Installs to PREFIX (below DESTDIR if set), with a second build of the library for processors with AVX2 and FMA.
 install:
 	@scripts/build.sh release
-	@scripts/build.sh release-v3
 	@cmake --install out/release --prefix $(PREFIX)
+ifneq ($(ZOR_V3),OFF)
+	@scripts/build.sh release-v3
 	@cmake --install out/release-v3 --prefix $(PREFIX)
+endif
 	@if [ -z "$(DESTDIR)" ] && [ "$$(id -u)" = 0 ]; then ldconfig; fi
 
 clean:

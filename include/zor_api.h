@@ -124,6 +124,12 @@ ZOR_API uint32_t zor_set_error_callback(zor_handle_t handle, ...);
 /** The static version text, "major.minor.patch", a tag, and the build number in parentheses. */
 ZOR_API const char* zor_get_version_str(void);
 
+/**
+ * A static text for reports of faults: the processors that the loaded library was compiled for, "x86-64" or
+ * "x86-64-v3" (those with AVX2 and FMA), the compiler, and the versions of Eigen and Boost, separated by ", ".
+ */
+ZOR_API const char* zor_get_build_str(void);
+
 /** Frees a buffer that the library allocated for the caller. A null pointer is ignored. */
 ZOR_API void zor_release_buf(void* buffer);
 

@@ -14,7 +14,7 @@ FLOORS = {
 CALLERS = {
     "tools/zor": ["src/api/option_list.inc"],
     "examples": [],
-    "tests/api": ["tests/support", "src/api/option_list.inc"],
+    "tests/api": ["tests/support", "tests/golden/read_golden.h", "src/api/option_list.inc"],
 }
 SUFFIXES = {".h", ".c", ".cpp", ".inc"}
 

@@ -65,4 +65,6 @@ uint32_t zor_set_error_callback(zor_handle_t /*handle*/, ...) { return zor_not_i
 
 const char* zor_get_version_str(void) { return kestrel::kVersion.text; }
 
+const char* zor_get_build_str(void) { return kestrel::BuildText(); }
+
 void zor_release_buf(void* buffer) { std::free(buffer); }

@@ -14,4 +14,7 @@ struct Version {
 
 extern const Version kVersion;
 
+/// What this library was compiled for and with: "x86-64-v3, GCC 12.2.0, Eigen 3.4.0, Boost 1.74.0".
+const char* BuildText();
+
 }  // namespace kestrel

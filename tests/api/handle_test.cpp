@@ -1,5 +1,6 @@
 #include "api/handle.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <cstring>
@@ -21,6 +22,10 @@ TEST(Handle, ComesAndGoes) {
 TEST(Handle, MayBeReleasedWhileBuilt) { MakeBuilt(MakeTable(10, 2, 2)).reset(); }
 
 TEST(Version, IsOneText) { EXPECT_STREQ(zor_get_version_str(), "21.2.0dev (1791)"); }
+
+TEST(Version, ComesWithWhatTheLibraryWasCompiledFor) {
+  EXPECT_THAT(zor_get_build_str(), testing::MatchesRegex("x86-64(-v3)?, (GCC|Clang) [0-9.]+.*, Eigen 3.*, Boost 1.*"));
+}
 
 TEST(ErrorDescription, HasATextForEachCodeOnly) {
   struct {

@@ -46,6 +46,8 @@ TEST(CommandLine, KnowsPredictAndInfo) {
   const auto info = Read<InfoArguments>({"info", "--json", "m.zor"});
   EXPECT_EQ(info.file, "m.zor");
   EXPECT_TRUE(info.json);
+  EXPECT_FALSE(info.build);
+  EXPECT_TRUE(Read<InfoArguments>({"info", "--build"}).build);
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <zor_api.h>
 
 #include <cmath>
 #include <string>
@@ -19,6 +20,19 @@ using testing::MatchesRegex;
 using testing::StartsWith;
 
 const char kFit[] = "fit designs.csv --inputs a,b,c --outputs y,z ";
+
+TEST(Program, TellsWhichLibraryRuns) {
+  const TemporaryFolder folder;
+  const Result result = RunZor(folder, "info --build");
+  EXPECT_EQ(result.status, 0) << result.err;
+  // This test program and `zor` get the library from the same place.
+  EXPECT_EQ(result.out.find("version  " + std::string(zor_get_version_str()) + "\nbuild    " + zor_get_build_str()),
+            0U);
+  EXPECT_THAT(result.out, ContainsRegex("\nfile     /.*/libzor_api\\.so\\.[0-9]+\n"));
+  EXPECT_THAT(RunZor(folder, "info --build --json").out, HasSubstr("\"kind\": \"library\""));
+  EXPECT_EQ(RunZor(folder, "info --build m.zor").status, 2);
+  EXPECT_EQ(RunZor(folder, "info").status, 2);
+}
 
 TEST(Program, ReportsTheModels) {
   const TemporaryFolder folder;

@@ -46,8 +46,8 @@ constexpr const char* kPredictNotes =
 constexpr const char* kInfoNotes =
     "A stored model is told with its inputs and their bounds, and per output the model, its coefficient of prognosis\n"
     "(CoP) and the share of each input in it. A monitoring file is told with its header, its parameters, the number\n"
-    "of its designs and its models. --json prints one object; its \"kind\" is \"stored_model\" or "
-    "\"monitoring_file\".\n";
+    "of its designs and its models. --json prints one object; its \"kind\" is \"stored_model\", "
+    "\"monitoring_file\"\nor \"library\".\n";
 
 /// Adds an option or, without dashes, an argument that names a file.
 CLI::Option* AddFile(CLI::App& app, const std::string& option, std::string& path, const std::string& help) {
@@ -106,7 +106,9 @@ void AddPredict(CLI::App& app, PredictArguments& arguments) {
 
 void AddInfo(CLI::App& app, InfoArguments& arguments) {
   CLI::App& info = *app.add_subcommand("info", "Tells what a stored model or a monitoring file holds");
-  AddFile(info, "file", arguments.file, "Stored model or monitoring file")->required();
+  CLI::Option* const file = AddFile(info, "file", arguments.file, "Stored model or monitoring file");
+  info.add_flag("--build", arguments.build, "Tell which library runs, instead: version, processors, file")
+      ->excludes(file);
   info.add_flag("--json", arguments.json, "Print one JSON object");
   info.footer(std::string(kInfoNotes) + kStatusNote);
 }
@@ -147,7 +149,10 @@ CommandLine ReadCommandLine(int argc, const char* const* argv) {
     throw InputError(std::string(error.what()) + "; see '" + NameOfCommand(app) + " --help'");
   }
   if (app.got_subcommand("predict")) return predict;
-  if (app.got_subcommand("info")) return info;
+  if (app.got_subcommand("info")) {
+    if (info.file.empty() && !info.build) throw InputError("file is required; see 'zor info --help'");
+    return info;
+  }
   TrimNames(fit.outputs, "--outputs");
   TrimNames(fit.inputs, "--inputs");
   return fit;

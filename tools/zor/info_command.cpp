@@ -1,6 +1,7 @@
 #include "info_command.h"
 
 #include "errors.h"
+#include "library_info.h"
 #include "model_file.h"
 #include "model_info.h"
 #include "monitoring_info.h"
@@ -8,6 +9,11 @@
 namespace kestrel::cli {
 
 namespace {
+
+void TellLibrary(const InfoArguments& arguments, std::ostream& out) {
+  const LibraryInfo info = CollectLibraryInfo();
+  arguments.json ? PrintLibraryInfoJson(out, info) : PrintLibraryInfo(out, info);
+}
 
 void TellModel(const InfoArguments& arguments, std::ostream& out) {
   const ModelInfo info = CollectModelInfo(ReadStoredModel(arguments.file));
@@ -22,6 +28,7 @@ void TellMonitoringFile(const InfoArguments& arguments, std::ostream& out) {
 }  // namespace
 
 void RunInfo(const InfoArguments& arguments, std::ostream& out) {
+  if (arguments.build) return TellLibrary(arguments, out);
   switch (KindOfFile(arguments.file)) {
     case FileKind::kStoredModel: TellModel(arguments, out); break;
     case FileKind::kMonitoringFile: TellMonitoringFile(arguments, out); break;
