@@ -60,6 +60,11 @@ long GetIntegerOr(const Arguments& arguments, std::size_t index, long least, lon
   return index < arguments.size() ? GetInteger(arguments, index, least, most) : absent;
 }
 
+std::size_t GetCount(const Arguments& arguments, std::size_t index) {
+  if (GetReal(arguments, index) > static_cast<double>(kMaximalEntries)) RequireEntries(kMaximalEntries + 1);
+  return static_cast<std::size_t>(GetInteger(arguments, index, 0, kMaximalEntries));
+}
+
 bool GetFlag(const Arguments& arguments, std::size_t index) { return GetReal(arguments, index) != 0.0; }
 
 bool GetFlagOr(const Arguments& arguments, std::size_t index, bool absent) {

@@ -20,6 +20,8 @@ double GetRealOr(const Arguments& arguments, std::size_t index, double absent);
 /// A whole number from `least` to `most`.
 long GetInteger(const Arguments& arguments, std::size_t index, long least, long most);
 long GetIntegerOr(const Arguments& arguments, std::size_t index, long least, long most, long absent);
+/// A count of entries or rows: a whole number, refused as RequireEntries does if it exceeds kMaximalEntries.
+std::size_t GetCount(const Arguments& arguments, std::size_t index);
 /// A boolean, or a real scalar that is true if it is not 0.
 bool GetFlag(const Arguments& arguments, std::size_t index);
 bool GetFlagOr(const Arguments& arguments, std::size_t index, bool absent);
