@@ -1,0 +1,67 @@
+#include "calculator/macros.h"
+
+namespace kestrel::calculator {
+
+// Formal arguments: __c and __c2 are channels (signals or x-y data), __r, __r2 and __r3 real numbers, __i an integer.
+const std::vector<CalculatorTypeTraits::Macro>& BuiltInMacros() {
+  static const std::vector<CalculatorTypeTraits::Macro> macros = {
+      {L"SIG_MIN_X", {L"__c"}, L"min(__c)[0]"},
+      {L"SIG_MIN_X_SLOT", {L"__c", L"__r", L"__r2"}, L"min(window(__c,__r,__r2))[0]"},
+      {L"SIG_MIN_Y", {L"__c"}, L"min(__c)[1]"},
+      {L"SIG_MIN_Y_SLOT", {L"__c", L"__r", L"__r2"}, L"min(window(__c,__r,__r2))[1]"},
+      {L"SIG_MAX_X", {L"__c"}, L"max(__c)[0]"},
+      {L"SIG_MAX_X_SLOT", {L"__c", L"__r", L"__r2"}, L"max(window(__c,__r,__r2))[0]"},
+      {L"SIG_MAX_Y", {L"__c"}, L"max(__c)[1]"},
+      {L"SIG_MAX_Y_SLOT", {L"__c", L"__r", L"__r2"}, L"max(window(__c,__r,__r2))[1]"},
+      {L"SIG_Y_RANGE", {L"__c"}, L"max(__c)[1]-min(__c)[1]"},
+      {L"SIG_Y_RANGE_SLOT", {L"__c", L"__r", L"__r2"}, L"max(window(__c,__r,__r2))[1]-min(window(__c,__r,__r2))[1]"},
+      {L"SIG_MEAN", {L"__c"}, L"mean(__c)"},
+      {L"SIG_MEAN_SLOT", {L"__c", L"__r", L"__r2"}, L"mean(window(__c,__r,__r2))"},
+      {L"SIG_STDDEV", {L"__c"}, L"stddev(__c)"},
+      {L"SIG_STDDEV_SLOT", {L"__c", L"__r", L"__r2"}, L"stddev(window(__c,__r,__r2))"},
+      {L"SIG_RMS", {L"__c"}, L"rms(__c)"},
+      {L"SIG_RMS_SLOT", {L"__c", L"__r", L"__r2"}, L"rms(window(__c,__r,__r2))"},
+      {L"SIG_SUM", {L"__c"}, L"sum(__c)"},
+      {L"SIG_SUM_SLOT", {L"__c", L"__r", L"__r2"}, L"sum(window(__c,__r,__r2))"},
+      {L"SIG_EUCLID", {L"__c"}, L"euklidnorm(__c)"},
+      {L"SIG_EUCLID_SLOT", {L"__c", L"__r", L"__r2"}, L"euklidnorm(window(__c,__r,__r2))"},
+      {L"SIG_NORM", {L"__c", L"__i"}, L"norm(__c,__i)"},
+      {L"SIG_NORM_SLOT", {L"__c", L"__r", L"__r2", L"__i"}, L"norm(window(__c,__r,__r2),__i)"},
+      {L"SIG_DIFF_EUCLID", {L"__c", L"__c2"}, L"euklidnorm(__c-__c2)"},
+      {L"SIG_DIFF_EUCLID_SLOT", {L"__c", L"__c2", L"__r", L"__r2"}, L"euklidnorm(window(__c-__c2,__r,__r2))"},
+      {L"SIG_DIFF_NORM", {L"__c", L"__c2", L"__i"}, L"norm(__c-__c2,__i)"},
+      {L"SIG_DIFF_NORM_SLOT", {L"__c", L"__c2", L"__r", L"__r2", L"__i"}, L"norm(window(__c-__c2,__r,__r2),__i)"},
+      {L"SIG_INT", {L"__c"}, L"area(__c)"},
+      {L"SIG_INT_SLOT", {L"__c", L"__r", L"__r2"}, L"area(__c,__r,__r2)"},
+      {L"SIG_DIFF_INT", {L"__c", L"__c2"}, L"area(__c-__c2)"},
+      {L"SIG_DIFF_INT_SLOT", {L"__c", L"__c2", L"__r", L"__r2"}, L"area(__c-__c2,__r,__r2)"},
+      {L"SIG_VALUE_Y", {L"__c", L"__r"}, L"interpolate(__c,[__r],LINEAR,0,0)[0,0]"},
+      {L"SIG_VALUE_FIRST_Y", {L"__c"}, L"(__c[0])[1]"},
+      {L"SIG_VALUE_LAST_Y", {L"__c"}, L"(__c[size2(__c)-1])[1]"},
+      {L"SIG_VALUE_X", {L"__c", L"__r"}, L"interpolate(xydata(extract(__c,1),extract(__c,0)),[__r],LINEAR,0,0)[0,0]"},
+      {L"SIG_VALUE_FIRST_X", {L"__c"}, L"(__c[0])[0]"},
+      {L"SIG_VALUE_LAST_X", {L"__c"}, L"(__c[size2(__c)-1])[0]"},
+      {L"SIG_SIZE", {L"__c"}, L"size2(__c)"},
+      {L"SIG_SLOT_SIZE", {L"__c", L"__r", L"__r2"}, L"size2(window(__c,__r,__r2))"},
+      {L"SIG_DIFF_SIZE", {L"__c", L"__c2"}, L"size2(__c-__c2)"},
+      {L"SIG_DIFF_SLOT_SIZE", {L"__c", L"__c2", L"__r", L"__r2"}, L"size2(window(__c-__c2,__r,__r2))"},
+      {L"SIG_ABL_DIFF_NORM", {L"__c", L"__c2", L"__i"}, L"norm(derive(__c,FORWARD)-derive(__c2,FORWARD),__i)"},
+      {L"SIG_ABL_DIFF_NORM_SLOT",
+       {L"__c", L"__r", L"__r2", L"__c2", L"__i"},
+       L"norm(derive(window(__c,__r,__r2),FORWARD)-derive(window(__c2,__r,__r2),FORWARD),__i)"},
+      {L"RESAMPLING",
+       {L"__c", L"__i"},
+       L"interpolate(__c,linspace((__c[0])[0],(__c[size2(__c)-1])[0],__i),LINEAR,0,0)"},
+      {L"ACCUMULATE_CHANNELS", {L"__c"}, L"sum(transpose(extract(__c,linspace(1,size1(__c),size1(__c)))))"},
+      {L"APPEND_XYDATA",
+       {L"__c", L"__c2"},
+       L"xydata(vector(extract(__c,0),extract(__c2,0)),vector(extract(__c,1),extract(__c2,1)))"},
+      {L"SIG_MAP_2_SIGNALS", {L"__c", L"__c2"}, L"interpolate(__c,lct(__c,__c2),LINEAR,0,0)"},
+      {L"ABSOLUTE_ERROR", {L"__c", L"__c2"}, L"abs(__c-__c2)"},
+      {L"RELATIVE_ERROR", {L"__c", L"__c2"}, L"$ABSOLUTE_ERROR(__c,__c2)/abs(__c)"},
+      {L"PERCENT_ERROR", {L"__c", L"__c2"}, L"100*$RELATIVE_ERROR(__c,__c2)"},
+  };
+  return macros;
+}
+
+}  // namespace kestrel::calculator
