@@ -109,8 +109,9 @@ Index Interpolant::FindPiece(double x) const {
 
 double Interpolant::Evaluate(Index piece, Index column, double x) const {
   if (piece + 1 >= x_.size()) return BackValue(column);
-  const Cubic c = Piece(piece, column);
   const double t = x - x_(piece);
+  if (t == 0.0) return y_(piece, column);  // also at a jump, whose slope may be infinite
+  const Cubic c = Piece(piece, column);
   return y_(piece, column) + t * (c.c1 + t * (c.c2 + t * c.c3));
 }
 
