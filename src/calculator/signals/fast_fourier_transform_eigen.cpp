@@ -87,12 +87,15 @@ void ForwardByConvolution(const Complex* source, Complex* target, std::size_t n)
 
 }  // namespace
 
+// Eigen's transform crashes for the length 1.
 void Forward(const Complex* source, Complex* target, std::size_t n) {
+  if (n == 1) return static_cast<void>(*target = *source);
   if (!IsFactored(n)) return ForwardByConvolution(source, target, n);
   WithPlans(n, [&](Fft& fft) { fft.fwd(target, source, static_cast<math::Index>(n)); });
 }
 
 void ForwardReal(const double* source, Complex* target, std::size_t n) {
+  if (n == 1) return static_cast<void>(*target = *source);
   if (IsFactored(n)) {
     WithPlans(n, [&](Fft& fft) { fft.fwd(target, source, static_cast<math::Index>(n)); });
     return;
@@ -104,6 +107,7 @@ void ForwardReal(const double* source, Complex* target, std::size_t n) {
 }
 
 void Inverse(const Complex* source, Complex* target, std::size_t n) {
+  if (n == 1) return static_cast<void>(*target = *source);
   if (IsFactored(n)) {
     WithPlans(n, [&](Fft& fft) { fft.inv(target, source, static_cast<math::Index>(n)); });
     return;

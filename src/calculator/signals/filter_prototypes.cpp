@@ -1,5 +1,6 @@
 #include "calculator/signals/filter_prototypes.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace kestrel::calculator {
@@ -33,20 +34,23 @@ Prototype PolesOnEllipse(int order, double e) {
 /// 10^(decibel/10) - 1.
 double PowerRatioLessOne(double decibel) { return std::expm1(decibel / 10.0 * std::log(10.0)); }
 
+/// The roots of high order are a hundred million times as sensitive as the rounding of their polynomial.
+using LongComplex = std::complex<long double>;
+
 struct ValueAndDerivative {
-  Complex value;
-  Complex derivative;
+  LongComplex value;
+  LongComplex derivative;
 };
 
 /// The reverse Bessel polynomial by  B_n = (2n - 1) B_(n-1) + s^2 B_(n-2),  divided by B_n(0) = (2n - 1) B_(n-1)(0):
 ///   b_n = b_(n-1) + s^2 b_(n-2) / ((2n - 1) (2n - 3)),   b_0 = 1,   b_1 = 1 + s.
-ValueAndDerivative ReverseBessel(int order, const Complex& s) {
-  ValueAndDerivative before = {1.0, 0.0};
-  ValueAndDerivative now = {1.0 + s, 1.0};
+ValueAndDerivative ReverseBessel(int order, const LongComplex& s) {
+  ValueAndDerivative before = {1.0L, 0.0L};
+  ValueAndDerivative now = {1.0L + s, 1.0L};
   for (int n = 2; n <= order; ++n) {
-    const double factor = 1.0 / ((2.0 * n - 1.0) * (2.0 * n - 3.0));
-    const ValueAndDerivative next = {now.value + factor * s * s * before.value,
-                                     now.derivative + factor * (2.0 * s * before.value + s * s * before.derivative)};
+    const LongComplex factor = s / static_cast<long double>((2 * n - 1) * (2 * n - 3));
+    const ValueAndDerivative next = {now.value + factor * s * before.value,
+                                     now.derivative + factor * (2.0L * before.value + s * before.derivative)};
     before = now;
     now = next;
   }
@@ -55,20 +59,21 @@ ValueAndDerivative ReverseBessel(int order, const Complex& s) {
 
 /// All roots at once by the iteration of Aberth and Ehrlich: Newton's step, repelled by the other roots. The start is
 /// a circle of about the size of the roots, turned so that no point is on the real axis or conjugate to another.
-std::vector<Complex> RootsOfReverseBessel(int order) {
-  std::vector<Complex> roots;
-  for (int k = 0; k < order; ++k) roots.push_back(std::polar(0.8 * order + 0.5, 2.0 * kPi * k / order + 0.4));
+std::vector<LongComplex> RootsOfReverseBessel(int order) {
+  std::vector<LongComplex> roots;
+  const long double turn = 2.0L * kPi / order;
+  for (int k = 0; k < order; ++k) roots.push_back(std::polar(0.8L * order + 0.5L, turn * k + 0.4L));
   constexpr int kIterations = 200;
-  double largest_step = 1.0;
-  for (int iteration = 0; iteration < kIterations && largest_step > 1e-15; ++iteration) {
-    largest_step = 0.0;
+  long double largest_step = 1.0L;
+  for (int iteration = 0; iteration < kIterations && largest_step > 1e-16L; ++iteration) {
+    largest_step = 0.0L;
     for (std::size_t k = 0; k < roots.size(); ++k) {
       const ValueAndDerivative b = ReverseBessel(order, roots[k]);
-      Complex repulsion = 0.0;
+      LongComplex repulsion = 0.0L;
       for (std::size_t j = 0; j < roots.size(); ++j) {
-        if (j != k) repulsion += 1.0 / (roots[k] - roots[j]);
+        if (j != k) repulsion += 1.0L / (roots[k] - roots[j]);
       }
-      const Complex step = b.value / (b.derivative - b.value * repulsion);
+      const LongComplex step = b.value / (b.derivative - b.value * repulsion);
       roots[k] -= step;
       largest_step = std::max(largest_step, std::abs(step) / std::abs(roots[k]));
     }
@@ -82,7 +87,7 @@ double HalfPowerFrequency(int order) {
   double high = 2.0 * order;
   for (int bisection = 0; bisection < 100; ++bisection) {
     const double middle = 0.5 * (low + high);
-    (std::norm(ReverseBessel(order, {0.0, middle}).value) < 2.0 ? low : high) = middle;
+    (std::norm(ReverseBessel(order, {0.0L, middle}).value) < 2.0L ? low : high) = middle;
   }
   return high;
 }
@@ -118,7 +123,8 @@ Prototype ChebyshevTwoPrototype(int order, double attenuation) {
 Prototype BesselPrototype(int order) {
   const double scale = 1.0 / HalfPowerFrequency(order);
   Prototype prototype;
-  for (const Complex& root : RootsOfReverseBessel(order)) {
+  for (const LongComplex& long_root : RootsOfReverseBessel(order)) {
+    const Complex root(static_cast<double>(long_root.real()), static_cast<double>(long_root.imag()));
     const bool is_real = std::abs(root.imag()) < 1e-6 * std::abs(root);
     if (is_real) prototype.pairs.push_back({{root.real() * scale, 0.0}, {}});
     if (!is_real && root.imag() > 0.0) prototype.pairs.push_back({root * scale, {}});

@@ -86,8 +86,8 @@ TEST(SignalPeaks, FindsTurningPoints) {
       {"maxima", L"maxpeaks", {VectorOf(y)}, XyData({2, 5}, {{4, 2.5}})},
       {"a ripple below the tolerance", L"maxpeaks", {VectorOf(y), Number(0.5)}, XyData({2}, {{4}})},
       {"its end is not the next turn", L"peaks", {VectorOf(y), Number(0.5)}, XyData({1, 2, 6}, {{1, 4, -7}})},
-      {"magnitude", L"magpeaks", {VectorOf(y)}, XyData({2, 5, 6}, {{4, 2.5, -7}})},
-      {"all channels at the turns of one", L"minpeaks", {signal, Number(3)}, Signal({10, 60}, {{1, -7}, {1, 6}})},
+      {"magnitude", L"magpeaks", {VectorOf(y)}, XyData({2, 6}, {{4, -7}})},
+      {"all channels at the turns of one", L"minpeaks", {signal, Number(2.5)}, Signal({10, 60}, {{1, -7}, {1, 6}})},
       {"none in the other", L"peaks", {signal, Number(0), Number(2)}, Signal({}, {{}, {}})},
       {"a constant", L"peaks", {VectorOf({1, 1, 1})}, XyData({}, {{}})},
   });

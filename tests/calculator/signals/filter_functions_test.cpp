@@ -71,7 +71,8 @@ Value Response(const std::wstring& filter, const Arguments& behind_signal, std::
   impulse[0] = 1.0;
   Arguments arguments = {Signal(Steps(step, size), {impulse})};
   arguments.insert(arguments.end(), behind_signal.begin(), behind_signal.end());
-  return Call(L"fft", {VectorOf({RowOf(Call(filter, arguments)).begin(), RowOf(Call(filter, arguments)).end()})});
+  const math::Vector answer = RowOf(Call(filter, arguments));
+  return Call(L"fft", {VectorOf({answer.begin(), answer.end()})});
 }
 
 struct Design {
