@@ -423,6 +423,79 @@ ZOR_API uint32_t zor_calculate_density_per_output_extrapolate(zor_handle_t handl
                                                               uint32_t designs, double* density, uint32_t capacity);
 
 /* ------------------------------------------------------------------------------------------------------------------
+ * Criteria and expressions
+ *
+ * A criterion is an expression over the inputs, the outputs and the criteria before it, by their names: an objective,
+ * or two sides that are compared. docs/expressions.md has the language. Criteria belong to the model: they are stored
+ * with it, and a build drops them. An expression from a file cannot make the library read other files.
+ * --------------------------------------------------------------------------------------------------------------- */
+
+/** What a criterion asks for, and what its value is. */
+typedef enum zor_criterion_type {
+  zor_objective_min = 1,      /**< the left side */
+  zor_objective_max = 2,      /**< the left side */
+  zor_constraint_less = 3,    /**< left <= right: right - left */
+  zor_constraint_greater = 4, /**< left >= right: left - right */
+  zor_constraint_equal = 5,   /**< left == right: left - right */
+  zor_limit_state_less = 6,   /**< left <= right for a safe design: right - left */
+  zor_limit_state_greater = 7 /**< left >= right for a safe design: left - right */
+} zor_criterion_type;
+
+/**
+ * Adds a criterion behind those that are there.
+ * @param name   a name as for inputs, which no input, output or criterion has.
+ * @param type   of `zor_criterion_type`.
+ * @param left   an expression.
+ * @param right  an expression; ignored for an objective, where it may be null.
+ * @return zor_not_built without a model; zor_invalid_name; zor_unknown_input_enum for another type;
+ *         zor_calculation_error with the place in the text if a side is no expression.
+ */
+ZOR_API uint32_t zor_add_criterion(zor_handle_t handle, const char* name, uint32_t type, const char* left,
+                                   const char* right);
+/** Removes all criteria. @return zor_not_built without a model. */
+ZOR_API uint32_t zor_clear_criteria(zor_handle_t handle);
+/** The number of criteria. @return zor_not_built without a model. */
+ZOR_API uint32_t zor_get_criterion_count(zor_handle_t handle, uint32_t* count);
+/**
+ * The name of a criterion, counted from 0.
+ * @param name    receives a new text, not zero-terminated, to be given to `zor_release_buf`.
+ * @param length  receives its length in bytes.
+ * @return zor_index_out_of_range at or beyond the number of criteria.
+ */
+ZOR_API uint32_t zor_get_criterion_name(zor_handle_t handle, uint32_t index, char** name, size_t* length);
+
+/**
+ * Predicts the values of all criteria. One that has no real number for its value at a point (its expression fails, or
+ * gives a vector) is NaN there.
+ * @param inputs  designs x inputs.
+ * @param values  receives designs x criteria.
+ */
+ZOR_API uint32_t zor_solve_criteria(zor_handle_t handle, const double* inputs, double* values, uint32_t designs);
+/** As `zor_solve_criteria`, without a test of the bounds. */
+ZOR_API uint32_t zor_solve_criteria_extrapolate(zor_handle_t handle, const double* inputs, double* values,
+                                                uint32_t designs);
+
+/**
+ * Evaluates an expression. Needs no model: the handle keeps the last error.
+ * @param expression   UTF-8.
+ * @param names        `count` names of objects that the expression may use.
+ * @param expressions  `count` expressions of these objects.
+ * @param text         receives the value as an expression that gives it again; a new text, not zero-terminated, to be
+ *                     given to `zor_release_buf`.
+ * @param length       receives its length in bytes.
+ * @return zor_calculation_error with the reason, and the place in the text where it is no expression.
+ */
+ZOR_API uint32_t zor_evaluate_expression(zor_handle_t handle, const char* expression, const char* const* names,
+                                         const char* const* expressions, uint32_t count, char** text, size_t* length);
+
+/**
+ * What the functions of expressions do: per function its forms, what it gives and its arguments, in lines.
+ * @param text    receives a new text, not zero-terminated, to be given to `zor_release_buf`.
+ * @param length  receives its length in bytes.
+ */
+ZOR_API uint32_t zor_describe_functions(zor_handle_t handle, char** text, size_t* length);
+
+/* ------------------------------------------------------------------------------------------------------------------
  * Results
  *
  * All of these need a model, else they return zor_not_built. They count the outputs from 0 by position, named or not:

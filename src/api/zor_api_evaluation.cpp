@@ -25,7 +25,8 @@ constexpr uint64_t kDensityColumn = 4;  // the value behind them
 uint32_t Solve(zor_handle_t handle, const double* inputs, double* outputs, uint32_t designs, bool extrapolate) {
   return GuardedResult(handle, [&](const ZOR& record) {
     const Matrix points = ReadRows(inputs, designs, record.num_inputs_);
-    const Matrix values = record.zorsolver_.ApproximateDesigns(points, extrapolate, kThrowing);
+    const Matrix values = record.zorsolver_.ApproximateResponses(
+        points, extrapolate ? Bounds::kFree : Bounds::kSamplingBounds, kThrowing);
     return WriteRows(values, designs, 0, record.num_outputs_, outputs);
   });
 }

@@ -4,7 +4,9 @@
 #include <boost/format.hpp>
 #include <limits>
 #include <map>
+#include <set>
 
+#include "datatypes/criteria_calculation.h"
 #include "datatypes/design_matrices.h"
 #include "datatypes/design_responses.h"
 #include "persistence/archive/archives.h"
@@ -14,6 +16,7 @@
 namespace kestrel::zor {
 namespace {
 
+using algorithm::datatypes::Design;
 using algorithm::datatypes::DesignManager;
 using algorithm::datatypes::LYRA;
 using algorithm::datatypes::SurrogateInfoContainer;
@@ -46,6 +49,22 @@ const SurrogateBase& UsableSurrogate(const algorithm::datatypes::SurrogateInfo* 
   }
   if (!info->GetSurrogate()->CheckAfterBuild()) throw utils::runtime_error(L"Evaluation impossible. Check failed.");
   return *info->GetSurrogate();
+}
+
+/// The value of a criterion as a number; NaN for what is neither a real number nor a truth.
+double RealNumber(const CDesignEntry& entry) {
+  if (const auto* const number = boost::get<double>(&entry.GetData())) return *number;
+  if (const auto* const truth = boost::get<bool>(&entry.GetData())) return *truth ? 1.0 : 0.0;
+  return std::numeric_limits<double>::quiet_NaN();
+}
+
+/// The run messages of a design, each of them for the first design that has it.
+void TellOnce(const Design& design, std::set<std::wstring>& told, utils::log::LogBase& log) {
+  for (const RunInfoMeta& run_info : design.GetStatus()) {
+    for (const std::wstring& message : run_info.GetMessage()) {
+      if (told.insert(message).second) log.Error() << message;
+    }
+  }
 }
 
 }  // namespace
@@ -121,7 +140,11 @@ DesignManager ZORSolver::Approximate(const DesignManager& designs, eExtrapolatio
   approximated.ClearResponses();
   approximated.ClearCriteria();
   if (designs.empty()) return approximated;
-  const math::Matrix values = ApproximateDesigns(DesignsToRequestMatrix(designs), type, throwing);
+  calculator::Calculator calculator;
+  for (Design& design : approximated) {
+    CalculateDependentParameters(design, lyra_.GetParameterManager(), calculator);
+  }
+  const math::Matrix values = ApproximateResponses(DesignsToRequestMatrix(approximated), type, throwing);
   if (values.size() == 0) return approximated;
   for (std::size_t row = 0; row < approximated.size(); ++row) {
     for (std::size_t k = 0; k < derived_.response_names.size(); ++k) {
@@ -131,6 +154,7 @@ DesignManager ZORSolver::Approximate(const DesignManager& designs, eExtrapolatio
     approximated[row].SetApproximated(true);
   }
   algorithm::datatypes::compressResponses(approximated);
+  for (Design& design : approximated) FillCriteria(design, calculator);
   approximated.SetDesignsDone(true);
   return approximated;
 }
@@ -149,6 +173,48 @@ math::Matrix ZORSolver::ApproximateDesigns(const math::MatrixIn& points, bool ex
 
 math::Matrix ZORSolver::ApproximateDesigns(const math::MatrixIn& points, eExtrapolationTypes type,
                                            bool throwing) const {
+  math::Matrix responses = ApproximateResponses(points, type, throwing);
+  if (lyra_.GetCriteria().empty() || responses.size() == 0) return responses;
+  const math::Matrix criteria = ApproximateCriteria(points, responses);
+  math::Matrix all(responses.rows(), responses.cols() + criteria.cols());
+  all << responses, criteria;
+  return all;
+}
+
+math::Matrix ZORSolver::ApproximateCriteria(const math::MatrixIn& points, const math::MatrixIn& responses) const {
+  constexpr math::Index kBlock = 1024;  // rows that are designs at one time
+  const auto count = static_cast<math::Index>(lyra_.GetCriteria().size());
+  math::Matrix values(points.rows(), count);
+  calculator::Calculator calculator;
+  std::set<std::wstring> told;
+  for (math::Index first = 0; first < points.rows(); first += kBlock) {
+    const math::Index rows = std::min(kBlock, points.rows() - first);
+    DesignManager designs =
+        algorithm::datatypes::CreateDesignsFromMatrices(derived_.parameter_names, points.middleRows(first, rows),
+                                                        derived_.response_names, responses.middleRows(first, rows));
+    algorithm::datatypes::compressResponses(designs);
+    for (math::Index row = 0; row < rows; ++row) {
+      Design& design = designs[static_cast<std::size_t>(row)];
+      CalculateDependentParameters(design, lyra_.GetParameterManager(), calculator);
+      FillCriteria(design, calculator);
+      math::Index column = 0;
+      for (const auto& [name, criterion] : design.GetCriteria()) {
+        values(first + row, column++) = RealNumber(criterion.GetValue());
+      }
+      TellOnce(design, told, *log_);
+    }
+  }
+  return values;
+}
+
+void ZORSolver::FillCriteria(Design& design, calculator::Calculator& calculator) const {
+  if (lyra_.GetCriteria().empty()) return;
+  design.SetCriteria(lyra_.GetCriteria());
+  CalculateCriteria(design, calculator);
+}
+
+math::Matrix ZORSolver::ApproximateResponses(const math::MatrixIn& points, eExtrapolationTypes type,
+                                             bool throwing) const {
   const auto& infos = GetSurrogateInfos().GetInfos();
   if (infos.empty()) throw utils::runtime_error(L"Approximation impossible due to missing meta models.");
   if (!HasInputColumns(points) || BoundariesViolated(points, type, throwing)) return math::Matrix();

@@ -8,6 +8,7 @@
 #include <utility>
 #include <vector>
 
+#include "calculator/calculator.h"
 #include "datatypes/criterion.h"
 #include "datatypes/design_manager.h"
 #include "datatypes/results/zor_information.h"
@@ -42,12 +43,17 @@ class ZORSolver {
   /// models leaves a solver that refuses to evaluate.
   void InitializeSolver();
 
-  /// All responses, q x number of responses. @param extrapolate  no test of the bounds; else the sampling bounds.
+  /// All responses and, behind them, the values of all criteria of the record; q x (responses + criteria). A criterion
+  /// without a real number for its value is NaN; why, goes to the log.
+  /// @param extrapolate  no test of the bounds; else the sampling bounds.
   math::Matrix ApproximateDesigns(const math::MatrixIn& points, bool extrapolate, bool throwing) const;
   math::Matrix ApproximateDesigns(const math::MatrixIn& points, enums::eExtrapolationTypes type, bool throwing) const;
+  /// The responses alone.
+  math::Matrix ApproximateResponses(const math::MatrixIn& points, enums::eExtrapolationTypes type, bool throwing) const;
 
-  /// Copies of the designs with the predicted responses in the place of their own; pieces of a vector response are put
-  /// together again. Designs out of bounds, where that does not raise, leave all without responses.
+  /// Copies of the designs with the predicted responses in the place of their own and with the criteria of the record;
+  /// pieces of a vector response are put together again, and dependent parameters of the record are computed first.
+  /// Designs out of bounds, where that does not raise, leave all without responses and criteria.
   algorithm::datatypes::DesignManager Approximate(const algorithm::datatypes::DesignManager& designs,
                                                   enums::eExtrapolationTypes type, bool throwing) const;
 
@@ -72,6 +78,7 @@ class ZORSolver {
   const std::vector<std::wstring>& GetResponseNames() const { return derived_.response_names; }
   const algorithm::datatypes::CriterionSequence& GetAllCriteria() const { return lyra_.GetCriteria(); }
   std::vector<std::wstring> GetCriteriaNames() const;
+  void SetCriteria(algorithm::datatypes::CriterionSequence criteria) { lyra_.SetCriteria(std::move(criteria)); }
   const algorithm::datatypes::Design& GetReferenceDesign() const { return lyra_.GetReferenceDesign(); }
   /// The parameters of the designs, q x n, in the order of `GetParameterNames`.
   math::Matrix DesignsToRequestMatrix(const algorithm::datatypes::DesignManager& designs) const;
@@ -106,6 +113,8 @@ class ZORSolver {
   /// Runs `work` on the columns that the models see.
   template <class Work>
   math::Matrix OnInputs(const math::MatrixIn& points, Work&& work) const;
+  math::Matrix ApproximateCriteria(const math::MatrixIn& points, const math::MatrixIn& responses) const;
+  void FillCriteria(algorithm::datatypes::Design& design, calculator::Calculator& calculator) const;
   bool HasInputColumns(const math::MatrixIn& points) const;
   const Limits& GetLimits(enums::eExtrapolationTypes type) const;
 

@@ -7,6 +7,7 @@
 #include "calculator/constants.h"
 #include "calculator/dependencies.h"
 #include "calculator/evaluator.h"
+#include "calculator/standard_functions.h"
 
 namespace kestrel::calculator {
 namespace {
@@ -17,6 +18,8 @@ Object& RequireObject(CalculatorState& state, std::wstring_view name) {
 }
 
 }  // namespace
+
+Calculator::CCalculator() : CCalculator(StandardFunctions()) {}
 
 Calculator::CCalculator(std::shared_ptr<const FunctionTable> functions) : state_(std::make_unique<CalculatorState>()) {
   state_->functions = std::move(functions);

@@ -59,6 +59,8 @@ class CCalculator<math::Variant<double>> {
   using Macro = CalculatorTypeTraits::Macro;
   using ObjectTuple = CalculatorTypeTraits::ObjectTuple;
 
+  /// With all functions of the library (standard_functions.h).
+  CCalculator();
   /// @param functions  what expressions can call; shared between calculators.
   explicit CCalculator(std::shared_ptr<const FunctionTable> functions);
   CCalculator(CCalculator&&) noexcept;

@@ -40,6 +40,10 @@ constexpr const char* kPredictNotes =
     "               y_mean_abs  weighted mean of their absolute values\n"
     "               y_density   density of the designs around the point\n"
     "\n"
+    "A criterion NAME=EXPRESSION adds a column with the value of an expression over the inputs, the outputs and the\n"
+    "criteria before it. NAME=LEFT<=RIGHT and NAME=LEFT>=RIGHT give the margin, which is not negative where the\n"
+    "comparison holds, NAME=LEFT==RIGHT the difference. Criteria stored with the model come first.\n"
+    "\n"
     "The predictions are those of the 'zor fit' that stored the model, to the last digit. Points outside the bounds\n"
     "of its designs are refused unless --extrapolate is given.\n";
 
@@ -48,6 +52,12 @@ constexpr const char* kInfoNotes =
     "(CoP) and the share of each input in it. A monitoring file is told with its header, its parameters, the number\n"
     "of its designs and its models. --json prints one object; its \"kind\" is \"stored_model\", "
     "\"monitoring_file\"\nor \"library\".\n";
+
+constexpr const char* kEvalNotes =
+    "The value is printed as an expression that gives it again. docs/expressions.md has the language.\n"
+    "\n"
+    "  zor eval 'a^2 + [1,2]' --set a=3      prints [10,11]\n"
+    "  zor eval -- '-2^2'                    prints -4\n";
 
 /// Adds an option or, without dashes, an argument that names a file.
 CLI::Option* AddFile(CLI::App& app, const std::string& option, std::string& path, const std::string& help) {
@@ -98,6 +108,9 @@ void AddPredict(CLI::App& app, PredictArguments& arguments) {
   AddFile(predict, "points", arguments.points, "CSV file of the points, with a header row and the inputs in any order")
       ->required();
   AddExtrapolate(predict, arguments.extrapolate);
+  predict.add_option("--criterion", arguments.criteria, "Add a column with a criterion, see below; may be repeated")
+      ->allow_extra_args(false)
+      ->type_name("NAME=EXPRESSION");
   AddFile(predict, "--output", arguments.predictions, "Write the predictions to a file, not to standard output");
   AddFile(predict, "--gradients", arguments.gradients, "Write the gradients at the points to a CSV file");
   AddFile(predict, "--errors", arguments.errors, "Write the local errors at the points to a CSV file");
@@ -111,6 +124,17 @@ void AddInfo(CLI::App& app, InfoArguments& arguments) {
       ->excludes(file);
   info.add_flag("--json", arguments.json, "Print one JSON object");
   info.footer(std::string(kInfoNotes) + kStatusNote);
+}
+
+void AddEval(CLI::App& app, EvalArguments& arguments) {
+  CLI::App& eval = *app.add_subcommand("eval", "Evaluates an expression");
+  eval.add_option("expression", arguments.expression, "The expression; put -- before one that begins with a minus")
+      ->type_name("EXPRESSION");
+  eval.add_flag("--functions", arguments.functions, "Tell what the functions do, instead");
+  eval.add_option("--set", arguments.objects, "An object that the expression may use; may be repeated")
+      ->allow_extra_args(false)
+      ->type_name("NAME=EXPRESSION");
+  eval.footer(std::string(kEvalNotes) + kStatusNote);
 }
 
 /// Names as the user meant them: blanks after a comma do not belong to them.
@@ -133,12 +157,14 @@ CommandLine ReadCommandLine(int argc, const char* const* argv) {
   FitArguments fit;
   PredictArguments predict;
   InfoArguments info;
+  EvalArguments eval;
   CLI::App app(kPurpose, "zor");
   app.set_version_flag("--version", std::string("zor ") + zor_get_version_str());
   app.require_subcommand(1);
   AddFit(app, fit);
   AddPredict(app, predict);
   AddInfo(app, info);
+  AddEval(app, eval);
   try {
     app.parse(argc, argv);
   } catch (const CLI::Success& request) {  // help or version
@@ -149,6 +175,10 @@ CommandLine ReadCommandLine(int argc, const char* const* argv) {
     throw InputError(std::string(error.what()) + "; see '" + NameOfCommand(app) + " --help'");
   }
   if (app.got_subcommand("predict")) return predict;
+  if (app.got_subcommand("eval")) {
+    if (eval.expression.empty() && !eval.functions) throw InputError("expression is required; see 'zor eval --help'");
+    return eval;
+  }
   if (app.got_subcommand("info")) {
     if (info.file.empty() && !info.build) throw InputError("file is required; see 'zor info --help'");
     return info;

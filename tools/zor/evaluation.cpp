@@ -45,6 +45,20 @@ Table Predictions(const Evaluation& models, const Table& points) {
   return predictions;
 }
 
+Table PredictionsWithCriteria(const Evaluation& models, const std::vector<std::string>& criteria, const Table& points) {
+  const Table predictions = Predictions(models, points);
+  if (criteria.empty()) return predictions;
+  std::vector<double> values(points.rows * criteria.size());
+  const auto solve = models.extrapolate ? &zor_solve_criteria_extrapolate : &zor_solve_criteria;
+  CheckEvaluated(models, solve(models.handle.get(), points.values.data(), values.data(), RowCount(points)));
+  std::vector<std::string> names = models.outputs;
+  names.insert(names.end(), criteria.begin(), criteria.end());
+  Table all = TableFor(points, std::move(names));
+  CopyColumns(predictions.values, models.outputs.size(), all, 0);
+  CopyColumns(values, criteria.size(), all, models.outputs.size());
+  return all;
+}
+
 Table Gradients(const Evaluation& models, const Table& points) {
   std::vector<std::string> names;
   for (const std::string& output : models.outputs) {

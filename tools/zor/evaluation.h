@@ -19,6 +19,9 @@ struct Evaluation {
 /// One column per output. `points` has one column per input, in the library's order; so below.
 Table Predictions(const Evaluation& models, const Table& points);
 
+/// The same and, behind them, one column per criterion of the handle.
+Table PredictionsWithCriteria(const Evaluation& models, const std::vector<std::string>& criteria, const Table& points);
+
 /// Columns "dy/da", "dy/db", ... per output y for the inputs a, b, ...
 Table Gradients(const Evaluation& models, const Table& points);
 

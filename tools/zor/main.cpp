@@ -15,6 +15,7 @@ void Obey(const std::string& text) { std::cout << text; }
 void Obey(const kestrel::cli::FitArguments& fit) { kestrel::cli::RunFit(fit, std::cout, std::cerr); }
 void Obey(const kestrel::cli::PredictArguments& predict) { kestrel::cli::RunPredict(predict, std::cout); }
 void Obey(const kestrel::cli::InfoArguments& info) { kestrel::cli::RunInfo(info, std::cout); }
+void Obey(const kestrel::cli::EvalArguments& eval) { kestrel::cli::RunEval(eval, std::cout); }
 
 void Run(int argc, const char* const* argv) {
   std::visit([](const auto& command) { Obey(command); }, kestrel::cli::ReadCommandLine(argc, argv));

@@ -1,6 +1,7 @@
 #include "predict_command.h"
 
 #include "columns.h"
+#include "criteria.h"
 #include "errors.h"
 #include "evaluation.h"
 #include "model_file.h"
@@ -24,13 +25,15 @@ void RunPredict(const PredictArguments& arguments, std::ostream& out) {
   const Handle handle = ReadStoredModel(arguments.model);
   const Problem problem = DescribeProblem(handle);
   RequireModelWithNames(arguments.model, problem);
+  AddCriteria(handle, arguments.criteria);
+  const std::vector<std::string> criteria = CriterionNames(handle);
   const Table points = ReadPoints(arguments.points, problem.inputs);
   RequireWritable(
       {{"--output", arguments.predictions}, {"--gradients", arguments.gradients}, {"--errors", arguments.errors}},
       {arguments.model, arguments.points});
 
   const Evaluation models{handle, problem.outputs, arguments.extrapolate};
-  const Table predictions = Predictions(models, points);
+  const Table predictions = PredictionsWithCriteria(models, criteria, points);
   // All is calculated before a file is touched.
   const Table gradients = arguments.gradients.empty() ? Table() : Gradients(models, points);
   const Table errors = arguments.errors.empty() ? Table() : LocalErrors(models, points);
