@@ -16,9 +16,10 @@ void AppendReal(double number, std::wstring& text) {
 }
 
 void AppendNumber(const Value::Complex& number, std::wstring& text) {
-  AppendReal(number.real(), text);
-  if (number.imag() == 0.0) return;
-  if (!std::signbit(number.imag())) text += L'+';
+  const bool has_imaginary_part = number.imag() != 0.0;
+  if (number.real() != 0.0 || !has_imaginary_part) AppendReal(number.real(), text);
+  if (!has_imaginary_part) return;
+  if (number.real() != 0.0 && !std::signbit(number.imag())) text += L'+';
   AppendReal(number.imag(), text);
   text += L"*@I";
 }
