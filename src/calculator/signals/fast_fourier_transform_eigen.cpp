@@ -85,17 +85,22 @@ void ForwardByConvolution(const Complex* source, Complex* target, std::size_t n)
   for (std::size_t k = 0; k < n; ++k) target[k] = chirped[k] * std::conj(kernel[k]);
 }
 
+/// The transform of one number, for which Eigen's crashes.
+template <class Number>
+void Copy(const Number* source, Complex* target) {
+  *target = *source;
+}
+
 }  // namespace
 
-// Eigen's transform crashes for the length 1.
 void Forward(const Complex* source, Complex* target, std::size_t n) {
-  if (n == 1) return static_cast<void>(*target = *source);
+  if (n == 1) return Copy(source, target);
   if (!IsFactored(n)) return ForwardByConvolution(source, target, n);
   WithPlans(n, [&](Fft& fft) { fft.fwd(target, source, static_cast<math::Index>(n)); });
 }
 
 void ForwardReal(const double* source, Complex* target, std::size_t n) {
-  if (n == 1) return static_cast<void>(*target = *source);
+  if (n == 1) return Copy(source, target);
   if (IsFactored(n)) {
     WithPlans(n, [&](Fft& fft) { fft.fwd(target, source, static_cast<math::Index>(n)); });
     return;
@@ -107,7 +112,7 @@ void ForwardReal(const double* source, Complex* target, std::size_t n) {
 }
 
 void Inverse(const Complex* source, Complex* target, std::size_t n) {
-  if (n == 1) return static_cast<void>(*target = *source);
+  if (n == 1) return Copy(source, target);
   if (IsFactored(n)) {
     WithPlans(n, [&](Fft& fft) { fft.inv(target, source, static_cast<math::Index>(n)); });
     return;

@@ -16,7 +16,7 @@ class Plan {
   Plan(DFTI_CONFIG_VALUE domain, std::size_t n) {
     Check(DftiCreateDescriptor(&handle_, DFTI_DOUBLE, domain, 1, static_cast<MKL_LONG>(n)));
     Check(DftiSetValue(handle_, DFTI_PLACEMENT, DFTI_NOT_INPLACE));
-    Check(DftiSetValue(handle_, DFTI_CONJUGATE_EVEN_STORAGE, DFTI_COMPLEX_COMPLEX));
+    if (domain == DFTI_REAL) Check(DftiSetValue(handle_, DFTI_CONJUGATE_EVEN_STORAGE, DFTI_COMPLEX_COMPLEX));
     Check(DftiSetValue(handle_, DFTI_BACKWARD_SCALE, 1.0 / static_cast<double>(n)));
     Check(DftiCommitDescriptor(handle_));
   }

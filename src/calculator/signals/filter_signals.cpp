@@ -13,7 +13,7 @@ Samples FilteredSamples(const Arguments& arguments, FilterMaker maker, ESampling
   if (sampling == ESampling::ANY) samples = ResampledUniformly(samples, 0);
   const ColumnFilter filter = maker(arguments, RequireUniform(samples.abscissae, 0));
   for (math::Index column = 0; column < samples.values.cols(); ++column) filter(samples.values.col(column));
-  if (samples.abscissae != abscissae) {
+  if (samples.size() != abscissae.size() || samples.abscissae != abscissae) {
     samples.values = InterpolatedLines(samples.abscissae, samples.values, abscissae);
     samples.abscissae = abscissae;
   }

@@ -38,8 +38,8 @@ Samples ResampledUniformly(const Samples& samples, std::size_t index) {
   if (!std::is_sorted(x.begin(), x.end())) RefuseArgument(index, L"The abscissae must ascend.");
   const double range = x(x.size() - 1) - x(0);
   if (!(range > 0.0)) RefuseArgument(index, L"The abscissae are all the same.");
+  if (IsUniform(x)) return samples;
   const Index count = CountAt(range, SmallestStep(x), x.size());
-  if (count == x.size() && IsAscending(x) && IsUniform(x)) return samples;
   RequireEntries(static_cast<std::size_t>(count), static_cast<std::size_t>(samples.values.cols()));
   const math::Vector uniform = math::Vector::LinSpaced(count, x(0), x(x.size() - 1));
   const Samples curve = IsAscending(x) ? samples : FirstArrivals(samples);

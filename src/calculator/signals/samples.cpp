@@ -70,6 +70,7 @@ void RequireUsable(const Samples& samples, std::size_t index, Index least) {
     RefuseArgument(index, L"At least " + std::to_wstring(least) + (least == 1 ? L" sample is" : L" samples are") +
                               L" needed, " + std::to_wstring(samples.size()) + L" are there.");
   }
+  if (samples.values.cols() == 0) RefuseArgument(index, L"It has no channel.");
   if (!(samples.abscissae.array().abs() <= kLargestAbscissa).all()) {
     RefuseArgument(index, L"The timeline is not finite.");
   }

@@ -18,8 +18,8 @@ struct Samples {
   math::Index size() const { return abscissae.size(); }
 };
 
-/// The argument as a signal or x-y data of finite numbers with at least `least` samples; the timeline of a signal does
-/// not descend. Refuses all else.
+/// The argument as a signal or x-y data of finite numbers with a channel and at least `least` samples; the timeline of
+/// a signal does not descend. Refuses all else.
 Samples GetSamples(const Arguments& arguments, std::size_t index, math::Index least = 1);
 
 /// The same with the kinds VECTOR and SCALAR counting as x-y data over the numbers 0, 1, ... of the entries.
