@@ -113,32 +113,28 @@ Value Area(const Arguments& arguments, FunctionContext& /*context*/) {
 
 void AppendCalculus(FunctionTable& table) {
   const CCalculatorArgumentInfoObject signal = {L"s", L"Signal or x-y data."};
-  AppendRows(table, {
-                        {L"derive",
-                         L"The derivative of each channel, at the same abscissae, which must ascend strictly. FORWARD "
-                         L"takes the line to the "
-                         L"next sample (the last sample: from the one before), BACKWARD the line from the sample "
-                         L"before (the first sample: "
-                         L"to the next), neither of them the parabola through the sample and both neighbours.",
-                         {signal, {L"kind", L"FORWARD, BACKWARD or 0. Default 0, central.", true}},
-                         L"derive(s)\nderive(s, FORWARD)\nderive(s, BACKWARD)",
-                         &Derive},
-                        {L"integrate",
-                         L"The integral of each channel from the first sample up to each sample by the trapezoidal "
-                         L"rule. The abscissae of "
-                         L"x-y data may run back, and the area counts as negative there.",
-                         {signal, {L"start", L"Value at the first sample. Default 0.", true}},
-                         L"integrate(s, start)",
-                         &Integrate},
-                        {L"area",
-                         L"The area under each channel by the trapezoidal rule, a number for one channel, a vector for "
-                         L"several. With a "
-                         L"range, the part of the signal in it, with lines between the samples; the signal ends where "
-                         L"its samples end.",
-                         {signal, {L"from", L"First abscissa.", true}, {L"to", L"Last abscissa.", true}},
-                         L"area(s)\narea(s, from, to)",
-                         &Area},
-                    });
+  const std::vector<FunctionRow> rows = {
+      {L"derive",
+       L"The derivative of each channel, at the same abscissae, which must ascend strictly. FORWARD takes the line to "
+       L"the next sample (the last sample: from the one before), BACKWARD the line from the sample before (the first "
+       L"sample: to the next), neither of them the parabola through the sample and both neighbours.",
+       {signal, {L"kind", L"FORWARD, BACKWARD or 0. Default 0, central.", true}},
+       L"derive(s)\nderive(s, FORWARD)\nderive(s, BACKWARD)",
+       &Derive},
+      {L"integrate",
+       L"The integral of each channel from the first sample up to each sample by the trapezoidal rule. The abscissae "
+       L"of x-y data may run back, and the area counts as negative there.",
+       {signal, {L"start", L"Value at the first sample. Default 0.", true}},
+       L"integrate(s, start)",
+       &Integrate},
+      {L"area",
+       L"The area under each channel by the trapezoidal rule, a number for one channel, a vector for several. With a "
+       L"range, the part of the signal in it, with lines between the samples; the signal ends where its samples end.",
+       {signal, {L"from", L"First abscissa.", true}, {L"to", L"Last abscissa.", true}},
+       L"area(s)\narea(s, from, to)",
+       &Area},
+  };
+  AppendRows(table, rows);
 }
 
 }  // namespace kestrel::calculator

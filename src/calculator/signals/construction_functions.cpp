@@ -7,11 +7,10 @@
 
 #include "calculator/functions/arguments.h"
 #include "calculator/signals/function_groups.h"
+#include "calculator/signals/samples.h"
 
 namespace kestrel::calculator {
 namespace {
-
-bool HasTimeline(const Value& value) { return value.GetKind() == Value::SIGNAL || value.GetKind() == Value::XYDATA; }
 
 Value::VectorType ToVector(const std::vector<double>& numbers) {
   Value::VectorType vector(numbers.size());
@@ -56,10 +55,8 @@ void RequireTimeline(const std::vector<double>& timeline, std::size_t index) {
 Value Assemble(const Arguments& arguments, Value::EKind kind) {
   const std::vector<double> abscissae = GetReals(arguments, 0);
   if (kind == Value::SIGNAL) RequireTimeline(abscissae, 0);
-  Value::MatrixType channels = GetChannels(arguments, 1);
-  if (channels.size2() != abscissae.size()) channels.resize(0, abscissae.size(), false);
-  if (channels.size1() == 0) AppendChannels(channels, GetChannels(arguments, 1), abscissae.size(), 1);
-  for (std::size_t i = 2; i < arguments.size(); ++i) {
+  Value::MatrixType channels(0, abscissae.size());
+  for (std::size_t i = 1; i < arguments.size(); ++i) {
     AppendChannels(channels, GetChannels(arguments, i), abscissae.size(), i);
   }
   return {ToVector(abscissae), channels, kind};
@@ -113,21 +110,20 @@ const std::vector<CCalculatorArgumentInfoObject> kChannels = {
 }  // namespace
 
 void AppendConstruction(FunctionTable& table) {
-  AppendRows(
-      table,
-      {
-          {L"signal", L"A signal of a timeline, which must not descend, and channels with one entry per point of it.",
-           kChannels, L"signal(x, y, ...)\nsignal(matrix)\nsignal(xydata)", &Make<Value::SIGNAL>, true},
-          {L"series",
-           L"A signal that is sampled uniformly: sample i of the channels belongs to the time start + i * step.",
-           {{L"y", L"A channel as a vector, or several as the rows of a matrix."},
-            {L"step", L"The distance of two samples, above 0. Default 1.", true},
-            {L"start", L"The time of the first sample. Default 0.", true}},
-           L"series(y, step, start)",
-           &Series},
-          {L"xydata", L"X-y data of abscissae in any order and channels with one entry per abscissa.", kChannels,
-           L"xydata(x, y, ...)\nxydata(signal)\nxydata(matrix)", &Make<Value::XYDATA>, true},
-      });
+  const std::vector<FunctionRow> rows = {
+      {L"signal", L"A signal of a timeline, which must not descend, and channels with one entry per point of it.",
+       kChannels, L"signal(x, y, ...)\nsignal(matrix)\nsignal(xydata)", &Make<Value::SIGNAL>, true},
+      {L"series",
+       L"A signal that is sampled uniformly: sample i of the channels belongs to the time start + i * step.",
+       {{L"y", L"A channel as a vector, or several as the rows of a matrix."},
+        {L"step", L"The distance of two samples, above 0. Default 1.", true},
+        {L"start", L"The time of the first sample. Default 0.", true}},
+       L"series(y, step, start)",
+       &Series},
+      {L"xydata", L"X-y data of abscissae in any order and channels with one entry per abscissa.", kChannels,
+       L"xydata(x, y, ...)\nxydata(signal)\nxydata(matrix)", &Make<Value::XYDATA>, true},
+  };
+  AppendRows(table, rows);
 }
 
 }  // namespace kestrel::calculator

@@ -14,7 +14,7 @@ namespace {
 
 const Value& GetTimed(const Arguments& arguments, std::size_t index) {
   const Value& value = GetValue(arguments, index);
-  if (value.GetKind() == Value::SIGNAL || value.GetKind() == Value::XYDATA) return value;
+  if (HasTimeline(value)) return value;
   RefuseArgument(index, L"A signal or x-y data is expected.");
 }
 
@@ -115,29 +115,26 @@ Value Window(const Arguments& arguments, FunctionContext& /*context*/) {
 
 void AppendExtraction(FunctionTable& table) {
   const CCalculatorArgumentInfoObject signal = {L"s", L"Signal or x-y data."};
-  AppendRows(
-      table,
-      {
-          {L"lct",
-           L"The longest common timeline, as a vector: the abscissae of both, in ascending order and without "
-           L"repetitions, "
-           L"within the range that both cover. Abscissae closer than 1e-9 of the mean step count as one.",
-           {signal, {L"s2", L"Another one."}},
-           L"lct(s, s2)",
-           &Lct},
-          {L"extract",
-           L"Row 0, the timeline, or row k, channel k, as a vector; for a vector of row numbers a matrix of these "
-           L"rows.",
-           {signal, {L"k", L"A row number from 0 to the number of channels, or a vector of them."}},
-           L"extract(s, k)",
-           &Extract},
-          {L"window",
-           L"The samples with an abscissa in the window, both ends included (within 1e-9 of the mean step); nothing is "
-           L"interpolated. A window without samples is refused.",
-           {signal, {L"from", L"First abscissa."}, {L"to", L"Last abscissa."}},
-           L"window(s, from, to)",
-           &Window},
-      });
+  const std::vector<FunctionRow> rows = {
+      {L"lct",
+       L"The longest common timeline, as a vector: the abscissae of both, in ascending order and without repetitions, "
+       L"within the range that both cover. Abscissae closer than 1e-9 of the mean step count as one.",
+       {signal, {L"s2", L"Another one."}},
+       L"lct(s, s2)",
+       &Lct},
+      {L"extract",
+       L"Row 0, the timeline, or row k, channel k, as a vector; for a vector of row numbers a matrix of these rows.",
+       {signal, {L"k", L"A row number from 0 to the number of channels, or a vector of them."}},
+       L"extract(s, k)",
+       &Extract},
+      {L"window",
+       L"The samples with an abscissa in the window, both ends included (within 1e-9 of the mean step); nothing is "
+       L"interpolated. A window without samples is refused.",
+       {signal, {L"from", L"First abscissa."}, {L"to", L"Last abscissa."}},
+       L"window(s, from, to)",
+       &Window},
+  };
+  AppendRows(table, rows);
 }
 
 }  // namespace kestrel::calculator

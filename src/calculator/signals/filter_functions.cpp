@@ -98,65 +98,57 @@ const Infos kClass = {
     {L"unit", L"Length of a unit of the timeline in seconds: 0.001 for milliseconds. Default 1.", true}};
 
 void AppendChannelClass(FunctionTable& table) {
-  AppendRows(table, {
-                        {L"saeFilter",
-                         L"The phaseless low pass of a channel frequency class after SAE J211: its Butterworth filter "
-                         L"with two poles, run "
-                         L"forward and backward. Each end is continued by its reflection in the end point.",
-                         kClass, L"saeFilter(s, cfc, unit)", &Filtered<&MakeChannelClass, ESampling::UNIFORM>},
-                        {L"saeFilterABQ", kAnySampling, kClass, L"saeFilterABQ(s, cfc, unit)",
-                         &Filtered<&MakeChannelClass, ESampling::ANY>},
-                    });
+  const std::vector<FunctionRow> rows = {
+      {L"saeFilter",
+       L"The phaseless low pass of a channel frequency class after SAE J211: its Butterworth filter with two poles, "
+       L"run forward and backward. Each end is continued by its reflection in the end point.",
+       kClass, L"saeFilter(s, cfc, unit)", &Filtered<&MakeChannelClass, ESampling::UNIFORM>},
+      {L"saeFilterABQ", kAnySampling, kClass, L"saeFilterABQ(s, cfc, unit)",
+       &Filtered<&MakeChannelClass, ESampling::ANY>},
+  };
+  AppendRows(table, rows);
 }
 
 void AppendButterworth(FunctionTable& table) {
-  AppendRows(table,
-             {
-                 {L"butterworthFilter",
-                  L"A Butterworth filter, run once from rest; half the power passes at the cut-off. The analog filter "
-                  L"with its "
-                  L"cut-off prewarped, by the bilinear transform, as sections of second order.",
-                  kPlain, L"butterworthFilter(s, kind, order, f, f2)", &Filtered<&MakeButterworth, ESampling::UNIFORM>},
-                 {L"butterworthFilterABQ", kAnySampling, kPlain, L"butterworthFilterABQ(s, kind, order, f, f2)",
-                  &Filtered<&MakeButterworth, ESampling::ANY>},
-                 {L"sineButterworthFilter",
-                  L"The same filter run forward and backward, so that nothing is delayed and a quarter of the power "
-                  L"passes at the "
-                  L"cut-off. Each end is continued by its reflection in the end point, which continues a sine at its "
-                  L"zeros as a "
-                  L"sine.",
-                  kPlain, L"sineButterworthFilter(s, kind, order, f, f2)",
-                  &Filtered<&MakeSineButterworth, ESampling::UNIFORM>},
-                 {L"sineButterworthFilterABQ", kAnySampling, kPlain, L"sineButterworthFilterABQ(s, kind, order, f, f2)",
-                  &Filtered<&MakeSineButterworth, ESampling::ANY>},
-                 {L"besselFilter",
-                  L"A Bessel filter (flat group delay in the pass band of the low pass), run once from rest; half the "
-                  L"power passes "
-                  L"at the cut-off. Made like butterworthFilter.",
-                  kPlain, L"besselFilter(s, kind, order, f, f2)", &Filtered<&MakeBessel, ESampling::UNIFORM>},
-             });
+  const std::vector<FunctionRow> rows = {
+      {L"butterworthFilter",
+       L"A Butterworth filter, run once from rest; half the power passes at the cut-off. The analog filter with its "
+       L"cut-off prewarped, by the bilinear transform, as sections of second order.",
+       kPlain, L"butterworthFilter(s, kind, order, f, f2)", &Filtered<&MakeButterworth, ESampling::UNIFORM>},
+      {L"butterworthFilterABQ", kAnySampling, kPlain, L"butterworthFilterABQ(s, kind, order, f, f2)",
+       &Filtered<&MakeButterworth, ESampling::ANY>},
+      {L"sineButterworthFilter",
+       L"The filter of butterworthFilter, run forward and backward, so that nothing is delayed and a quarter of the "
+       L"power passes at the cut-off. Each end is continued by its reflection in the end point, which continues a sine "
+       L"at its zeros as a sine.",
+       kPlain, L"sineButterworthFilter(s, kind, order, f, f2)", &Filtered<&MakeSineButterworth, ESampling::UNIFORM>},
+      {L"sineButterworthFilterABQ", kAnySampling, kPlain, L"sineButterworthFilterABQ(s, kind, order, f, f2)",
+       &Filtered<&MakeSineButterworth, ESampling::ANY>},
+      {L"besselFilter",
+       L"A Bessel filter (flat group delay in the pass band of the low pass), run once from rest; half the power "
+       L"passes at the cut-off. Made like butterworthFilter.",
+       kPlain, L"besselFilter(s, kind, order, f, f2)", &Filtered<&MakeBessel, ESampling::UNIFORM>},
+  };
+  AppendRows(table, rows);
 }
 
 void AppendChebyshev(FunctionTable& table) {
-  AppendRows(
-      table,
-      {
-          {L"chebyOneFilter",
-           L"A Chebyshev filter of the first kind, run once from rest: the gain ripples between 1 and the ripple in "
-           L"the pass "
-           L"band, which ends at the cut-off, and falls from there. Made like butterworthFilter.",
-           kRippled, L"chebyOneFilter(s, kind, order, ripple, f, f2)",
-           &Filtered<&MakeChebyshevOne, ESampling::UNIFORM>},
-          {L"chebyOneFilterABQ", kAnySampling, kRippled, L"chebyOneFilterABQ(s, kind, order, ripple, f, f2)",
-           &Filtered<&MakeChebyshevOne, ESampling::ANY>},
-          {L"chebyTwoFilter",
-           L"A Chebyshev filter of the second kind, run once from rest: no ripple in the pass band, and at least the "
-           L"attenuation in the stop band, which begins at the cut-off. Made like butterworthFilter.",
-           kStopped, L"chebyTwoFilter(s, kind, order, attenuation, f, f2)",
-           &Filtered<&MakeChebyshevTwo, ESampling::UNIFORM>},
-          {L"chebyTwoFilterABQ", kAnySampling, kStopped, L"chebyTwoFilterABQ(s, kind, order, attenuation, f, f2)",
-           &Filtered<&MakeChebyshevTwo, ESampling::ANY>},
-      });
+  const std::vector<FunctionRow> rows = {
+      {L"chebyOneFilter",
+       L"A Chebyshev filter of the first kind, run once from rest: the gain ripples between 1 and the ripple in the "
+       L"pass band, which ends at the cut-off, and falls from there. Made like butterworthFilter.",
+       kRippled, L"chebyOneFilter(s, kind, order, ripple, f, f2)", &Filtered<&MakeChebyshevOne, ESampling::UNIFORM>},
+      {L"chebyOneFilterABQ", kAnySampling, kRippled, L"chebyOneFilterABQ(s, kind, order, ripple, f, f2)",
+       &Filtered<&MakeChebyshevOne, ESampling::ANY>},
+      {L"chebyTwoFilter",
+       L"A Chebyshev filter of the second kind, run once from rest: no ripple in the pass band, and at least the "
+       L"attenuation in the stop band, which begins at the cut-off. Made like butterworthFilter.",
+       kStopped, L"chebyTwoFilter(s, kind, order, attenuation, f, f2)",
+       &Filtered<&MakeChebyshevTwo, ESampling::UNIFORM>},
+      {L"chebyTwoFilterABQ", kAnySampling, kStopped, L"chebyTwoFilterABQ(s, kind, order, attenuation, f, f2)",
+       &Filtered<&MakeChebyshevTwo, ESampling::ANY>},
+  };
+  AppendRows(table, rows);
 }
 
 }  // namespace

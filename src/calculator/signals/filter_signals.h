@@ -34,10 +34,10 @@ Value Filtered(const Arguments& arguments, FunctionContext& /*context*/) {
 /// A real argument from `least` to `most`; refuses all else.
 double GetRealBetween(const Arguments& arguments, std::size_t index, double least, double most);
 
-/// What the functions for any sampling say of themselves: the text of the plain function is the one above in its table.
+/// What the functions for any sampling say of themselves.
 inline constexpr auto kAnySampling =
-    L"The same for x-y data and signals of any sampling: they are brought, by lines, to a uniform timeline of their "
-    L"smallest step (and at most ten times as many samples), filtered, and brought back, by lines, to their abscissae, "
-    L"which may repeat, but not descend.";
+    L"As the function without ABQ in its name, for x-y data and signals of any sampling: they are brought, by lines, "
+    L"to a uniform timeline of their smallest step (and at most ten times as many samples), filtered, and brought "
+    L"back, by lines, to their abscissae, which may repeat, but not descend.";
 
 }  // namespace kestrel::calculator

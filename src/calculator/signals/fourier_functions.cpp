@@ -17,8 +17,6 @@ namespace {
 using fourier::Complex;
 using math::Index;
 
-bool HasTimeline(const Value& value) { return value.GetKind() == Value::SIGNAL || value.GetKind() == Value::XYDATA; }
-
 /// What is transformed: the entries of a vector, or row by row those of a matrix or of the channels of a signal.
 struct Rows {
   Complex* entries = nullptr;
@@ -234,43 +232,39 @@ Value IfftShift(const Arguments& arguments, FunctionContext& /*context*/) {
 void AppendFourier(FunctionTable& table) {
   const CCalculatorArgumentInfoObject any = {L"x", L"A vector, a matrix, a signal or x-y data."};
   const CCalculatorArgumentInfoObject matrix = {L"x", L"A matrix."};
-  AppendRows(
-      table,
-      {
-          {L"fft",
-           L"The discrete Fourier transform of a vector, of each row of a matrix, or of each channel of a signal: "
-           L"entry k is "
-           L"the sum of x_j exp(-2 pi i j k / n), without a factor. For a signal, which must be sampled uniformly with "
-           L"the "
-           L"step h, the timeline of the result are the frequencies k / (n h) for k = 0 ... n - 1.",
-           {any},
-           L"fft(x)",
-           &Fft},
-          {L"fftshift",
-           L"A spectrum with the frequency 0 in the middle, at place n / 2 rounded down: the upper half goes in front, "
-           L"its "
-           L"frequencies counting as negative. For a matrix along rows and columns.",
-           {any},
-           L"fftshift(x)",
-           &FftShift},
-          {L"ifft",
-           L"The inverse of fft: the sums of X_k exp(2 pi i j k / n), over n. The timeline of a signal begins at 0. A "
-           L"spectrum with X_(n-k) = conj(X_k), up to 1e-13 of its largest entry, gives real values.",
-           {any},
-           L"ifft(x)",
-           &Ifft},
-          {L"ifftshift", L"The inverse of fftshift.", {any}, L"ifftshift(x)", &IfftShift},
-          {L"fft2d",
-           L"The discrete Fourier transform of a matrix along its rows and its columns, without a factor.",
-           {matrix},
-           L"fft2d(x)",
-           &Fft2d},
-          {L"ifft2d",
-           L"The inverse of fft2d, real where the spectrum is that of a real matrix up to rounding.",
-           {matrix},
-           L"ifft2d(x)",
-           &Ifft2d},
-      });
+  const std::vector<FunctionRow> rows = {
+      {L"fft",
+       L"The discrete Fourier transform of a vector, of each row of a matrix, or of each channel of a signal: entry k "
+       L"is the sum of x_j exp(-2 pi i j k / n), without a factor. For a signal, which must be sampled uniformly with "
+       L"the step h, the timeline of the result are the frequencies k / (n h) for k = 0 ... n - 1.",
+       {any},
+       L"fft(x)",
+       &Fft},
+      {L"fftshift",
+       L"A spectrum with the frequency 0 in the middle, at place n / 2 rounded down: the upper half goes in front, its "
+       L"frequencies counting as negative. For a matrix along rows and columns.",
+       {any},
+       L"fftshift(x)",
+       &FftShift},
+      {L"ifft",
+       L"The inverse of fft: the sums of X_k exp(2 pi i j k / n), over n. The timeline of a signal begins at 0. A "
+       L"spectrum with X_(n-k) = conj(X_k), up to 1e-13 of its largest entry, gives real values.",
+       {any},
+       L"ifft(x)",
+       &Ifft},
+      {L"ifftshift", L"The inverse of fftshift.", {any}, L"ifftshift(x)", &IfftShift},
+      {L"fft2d",
+       L"The discrete Fourier transform of a matrix along its rows and its columns, without a factor.",
+       {matrix},
+       L"fft2d(x)",
+       &Fft2d},
+      {L"ifft2d",
+       L"The inverse of fft2d, real where the spectrum is that of a real matrix up to rounding.",
+       {matrix},
+       L"ifft2d(x)",
+       &Ifft2d},
+  };
+  AppendRows(table, rows);
 }
 
 }  // namespace kestrel::calculator

@@ -134,26 +134,21 @@ void AppendInterpolation(FunctionTable& table) {
       {L"kind", L"LINEAR, QUAD, SPLINE or ZERO. Default LINEAR.", true},
       {L"left", L"Treatment of abscissae before the first sample. Default 0.", true},
       {L"right", L"Treatment of abscissae behind the last sample. Default 0.", true}};
-  AppendRows(table, {
-                        {L"interpolate",
-                         L"The signal at other abscissae; x-y data if these do not ascend. LINEAR draws lines between "
-                         L"the samples, QUAD the "
-                         L"mean of the two parabolas through the neighbours, SPLINE the cubic spline without a knot at "
-                         L"the second and at "
-                         L"the last but one sample, ZERO keeps the sample before. Outside of the range, 0 refuses, "
-                         L"CONSTANT keeps the value "
-                         L"at the end, ZERO is 0, MIRROR reflects the signal in the line at its end, REVERSE_MIRROR in "
-                         L"its end point, "
-                         L"TANGENTIAL goes on straight. The abscissae of the samples must ascend strictly; where they "
-                         L"do not, LINEAR takes "
-                         L"the first place at which the samples, in their order, arrive at the abscissa.",
-                         arguments, L"interpolate(s, x, kind, left, right)", &Interpolate},
-                        {L"interpolateABQ",
-                         L"The same after the samples were brought, by lines, to a uniform timeline of their smallest "
-                         L"step (and at most ten "
-                         L"times as many samples); the abscissae may repeat, but not descend.",
-                         arguments, L"interpolateABQ(s, x, kind, left, right)", &InterpolateUniform},
-                    });
+  const std::vector<FunctionRow> rows = {
+      {L"interpolate",
+       L"The signal at other abscissae; x-y data if these do not ascend. LINEAR draws lines between the samples, QUAD "
+       L"the mean of the two parabolas through the neighbours, SPLINE the cubic spline without a knot at the second "
+       L"and at the last but one sample, ZERO keeps the sample before. Outside of the range, 0 refuses, CONSTANT keeps "
+       L"the value at the end, ZERO is 0, MIRROR reflects the signal in the line at its end, REVERSE_MIRROR in its end "
+       L"point, TANGENTIAL goes on straight. The abscissae of the samples must ascend strictly; where they do not, "
+       L"LINEAR takes the first place at which the samples, in their order, arrive at the abscissa.",
+       arguments, L"interpolate(s, x, kind, left, right)", &Interpolate},
+      {L"interpolateABQ",
+       L"As interpolate, after the samples were brought, by lines, to a uniform timeline of their smallest step (and "
+       L"at most ten times as many samples); the abscissae may repeat, but not descend.",
+       arguments, L"interpolateABQ(s, x, kind, left, right)", &InterpolateUniform},
+  };
+  AppendRows(table, rows);
 }
 
 }  // namespace kestrel::calculator

@@ -81,21 +81,19 @@ const std::vector<CCalculatorArgumentInfoObject> kArguments = {
 }  // namespace
 
 void AppendPeaks(FunctionTable& table) {
-  AppendRows(
-      table,
-      {
-          {L"peaks",
-           L"The samples, of all channels, at which a channel has a local minimum or maximum. A plateau counts as its "
-           L"first "
-           L"sample, the ends of the signal do not count, and the result has no samples if there is no such point.",
-           kArguments, L"peaks(s, tolerance, channel)", &Peaks<EPeaks::ALL>},
-          {L"minpeaks", L"The same for the local minima.", kArguments, L"minpeaks(s, tolerance, channel)",
-           &Peaks<EPeaks::MINIMA>},
-          {L"maxpeaks", L"The same for the local maxima.", kArguments, L"maxpeaks(s, tolerance, channel)",
-           &Peaks<EPeaks::MAXIMA>},
-          {L"magpeaks", L"The same for the local maxima of the magnitude; the values keep their sign.", kArguments,
-           L"magpeaks(s, tolerance, channel)", &Peaks<EPeaks::MAGNITUDE>},
-      });
+  const std::vector<FunctionRow> rows = {
+      {L"peaks",
+       L"The samples, of all channels, at which a channel has a local minimum or maximum. A plateau counts as its "
+       L"first sample, the ends of the signal do not count, and the result has no samples if there is no such point.",
+       kArguments, L"peaks(s, tolerance, channel)", &Peaks<EPeaks::ALL>},
+      {L"minpeaks", L"As peaks, for the local minima only.", kArguments, L"minpeaks(s, tolerance, channel)",
+       &Peaks<EPeaks::MINIMA>},
+      {L"maxpeaks", L"As peaks, for the local maxima only.", kArguments, L"maxpeaks(s, tolerance, channel)",
+       &Peaks<EPeaks::MAXIMA>},
+      {L"magpeaks", L"As peaks, for the local maxima of the magnitude; the values keep their sign.", kArguments,
+       L"magpeaks(s, tolerance, channel)", &Peaks<EPeaks::MAGNITUDE>},
+  };
+  AppendRows(table, rows);
 }
 
 }  // namespace kestrel::calculator

@@ -18,8 +18,6 @@ using math::Index;
 /// Differences and squares of abscissae stay finite.
 constexpr double kLargestAbscissa = 1e150;
 
-bool HasTimeline(const Value& value) { return value.GetKind() == Value::SIGNAL || value.GetKind() == Value::XYDATA; }
-
 /// The data matrix, channels x samples, as samples x columns.
 math::Matrix ToColumns(const Value::MatrixType& data, bool is_complex) {
   const auto channels = static_cast<Index>(data.size1());
@@ -85,6 +83,8 @@ void RequireFiniteResult(const math::MatrixIn& numbers) {
 }
 
 }  // namespace
+
+bool HasTimeline(const Value& value) { return value.GetKind() == Value::SIGNAL || value.GetKind() == Value::XYDATA; }
 
 Samples GetSamples(const Arguments& arguments, std::size_t index, Index least) {
   const Value& value = GetValue(arguments, index);

@@ -18,6 +18,9 @@ struct Samples {
   math::Index size() const { return abscissae.size(); }
 };
 
+/// True for a signal and for x-y data.
+bool HasTimeline(const Value& value);
+
 /// The argument as a signal or x-y data of finite numbers with a channel and at least `least` samples; the timeline of
 /// a signal does not descend. Refuses all else.
 Samples GetSamples(const Arguments& arguments, std::size_t index, math::Index least = 1);

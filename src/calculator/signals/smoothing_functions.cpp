@@ -51,26 +51,22 @@ void AppendSmoothing(FunctionTable& table) {
       signal,
       {L"window", L"An odd number of samples, 1 to 1001."},
       {L"degree", L"Degree of the polynomials, 0 to 9 and less than the window. Default 0, the moving average.", true}};
-  AppendRows(
-      table,
-      {
-          {L"decimateFilter",
-           L"Every so many samples one, after a phaseless low pass that keeps frequencies above half of the new "
-           L"sampling "
-           L"frequency out: a Chebyshev filter of the second kind of order 8 with 40 dB from there on, run forward and "
-           L"backward. Each end is continued by its reflection in the end point.",
-           decimation, L"decimateFilter(s, factor)", &Decimate<ESampling::UNIFORM>},
-          {L"decimateFilterABQ", kAnySampling, decimation, L"decimateFilterABQ(s, factor)", &Decimate<ESampling::ANY>},
-          {L"smoothFilter",
-           L"Each sample replaced by the value there of the polynomial that fits the samples of the window around it "
-           L"by least "
-           L"squares (Savitzky and Golay); degree 0 gives the moving average. Near the ends the window ends where the "
-           L"signal "
-           L"does.",
-           smoothing, L"smoothFilter(s, window, degree)", &Filtered<&MakeSmoother, ESampling::UNIFORM>},
-          {L"smoothFilterABQ", kAnySampling, smoothing, L"smoothFilterABQ(s, window, degree)",
-           &Filtered<&MakeSmoother, ESampling::ANY>},
-      });
+  const std::vector<FunctionRow> rows = {
+      {L"decimateFilter",
+       L"Every so many samples one, after a phaseless low pass that keeps frequencies above half of the new sampling "
+       L"frequency out: a Chebyshev filter of the second kind of order 8 with 40 dB from there on, run forward and "
+       L"backward. Each end is continued by its reflection in the end point.",
+       decimation, L"decimateFilter(s, factor)", &Decimate<ESampling::UNIFORM>},
+      {L"decimateFilterABQ", kAnySampling, decimation, L"decimateFilterABQ(s, factor)", &Decimate<ESampling::ANY>},
+      {L"smoothFilter",
+       L"Each sample replaced by the value there of the polynomial that fits the samples of the window around it by "
+       L"least squares (Savitzky and Golay); degree 0 gives the moving average. Near the ends the window ends where "
+       L"the signal does.",
+       smoothing, L"smoothFilter(s, window, degree)", &Filtered<&MakeSmoother, ESampling::UNIFORM>},
+      {L"smoothFilterABQ", kAnySampling, smoothing, L"smoothFilterABQ(s, window, degree)",
+       &Filtered<&MakeSmoother, ESampling::ANY>},
+  };
+  AppendRows(table, rows);
 }
 
 }  // namespace kestrel::calculator

@@ -97,6 +97,12 @@ TEST(Interpolate, TreatsBothEnds) {
   EXPECT_NEAR(tangents[1], cubic(2.25) + slope(2.25), 1e-8);
 }
 
+TEST(Interpolate, FindsWhereASignalHasAValue) {
+  const Value signal = Signal({0, 1, 2}, {{0, 10, 0}});
+  const Value turned = Call(L"xydata", {Call(L"extract", {signal, Number(1)}), Call(L"extract", {signal, Number(0)})});
+  EXPECT_EQ(Interpolated(turned, {5}, EOption::LINEAR), Numbers{0.5});
+}
+
 // A value of y is looked up by exchanging x and y, which then does not ascend.
 TEST(Interpolate, FindsTheFirstArrivalInXyData) {
   const Value turned = XyData({0, 4, 2, 6, -2}, {{0, 1, 2, 3, 4}});
