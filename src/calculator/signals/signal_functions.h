@@ -8,8 +8,8 @@ namespace kestrel::calculator {
 ///
 /// What holds for all of them: a signal has a finite timeline that does not descend, x-y data has finite abscissae of
 /// any order. Functions that calculate refuse samples that are not finite and results too large for a number, so that
-/// none makes a NaN; signal, series, xydata, extract and window take any. Complex data pass wherever the
-/// function is linear. Refusals are CCalculatorException and name the argument.
+/// none makes a NaN; signal, series, xydata, extract and window take any. Complex data pass wherever the function is
+/// linear. Refusals are CCalculatorException and name the argument.
 void AppendSignalFunctions(FunctionTable& table);
 
 }  // namespace kestrel::calculator
