@@ -1,5 +1,6 @@
 #include <cmath>
 #include <complex>
+#include <type_traits>
 
 #include "calculator/functions/arguments.h"
 #include "calculator/functions/entrywise.h"

@@ -36,15 +36,10 @@ Value FindExtremum(const Value& value, Better better) {
 template <class Better>
 Value FindExtremumOfAll(const Arguments& arguments, Better better) {
   if (arguments.size() == 1) return FindExtremum(GetValue(arguments, 0), better);
-  Value best = CopyNumbers(GetValue(arguments, 0), 0);
-  Numbers(best, 0).RequireReal();
-  for (std::size_t i = 1; i < arguments.size(); ++i) {
-    Numbers(arguments, i).RequireReal();
-    best = MapPairs(best, GetValue(arguments, i), i, [&](const Complex& a, const Complex& b) {
-      return better(b.real(), a.real()) || std::isnan(a.real()) ? b.real() : a.real();
-    });
-  }
-  return best;
+  for (std::size_t i = 0; i < arguments.size(); ++i) Numbers(arguments, i).RequireReal();
+  return FoldPairs(arguments, [&](const Complex& a, const Complex& b) {
+    return better(b.real(), a.real()) || std::isnan(a.real()) ? b.real() : a.real();
+  });
 }
 
 Value Min(const Arguments& arguments, FunctionContext&) { return FindExtremumOfAll(arguments, Less()); }

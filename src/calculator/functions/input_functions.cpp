@@ -1,4 +1,7 @@
 #include <algorithm>
+#include <cmath>
+#include <string>
+#include <vector>
 
 #include "calculator/functions/arguments.h"
 #include "calculator/functions/calculator_exceptions.h"

@@ -10,14 +10,8 @@
 namespace kestrel::calculator {
 namespace {
 
-Value VectorOf(const Arguments& arguments, FunctionContext&) {
-  std::size_t count = 0;
-  for (std::size_t i = 0; i < arguments.size(); ++i) {
-    const Numbers part(arguments, i);
-    if (part.Kind() > Value::VECTOR) RefuseArgument(i, L"A number or a vector is expected.");
-    RequireEntries(count += part.Size());
-  }
-  Value result = MakeVector(count);
+/// All entries of all arguments, one after the other, in a value that has room for them.
+Value Join(const Arguments& arguments, Value result) {
   Complex* end = Write(result).first;
   for (std::size_t i = 0; i < arguments.size(); ++i) {
     const Numbers part(arguments, i);
@@ -25,6 +19,16 @@ Value VectorOf(const Arguments& arguments, FunctionContext&) {
   }
   Mark(result);
   return result;
+}
+
+Value VectorOf(const Arguments& arguments, FunctionContext&) {
+  std::size_t count = 0;
+  for (std::size_t i = 0; i < arguments.size(); ++i) {
+    const Numbers part(arguments, i);
+    if (part.Kind() > Value::VECTOR) RefuseArgument(i, L"A number or a vector is expected.");
+    RequireEntries(count += part.Size());
+  }
+  return Join(arguments, MakeVector(count));
 }
 
 Value MatrixOf(const Arguments& arguments, FunctionContext&) {
@@ -36,14 +40,7 @@ Value MatrixOf(const Arguments& arguments, FunctionContext&) {
     rows += part.Rows();
     RequireEntries(rows, columns);
   }
-  Value result = MakeMatrix(rows, columns);
-  Complex* end = Write(result).first;
-  for (std::size_t i = 0; i < arguments.size(); ++i) {
-    const Numbers part(arguments, i);
-    end = std::copy(part.begin(), part.end(), end);
-  }
-  Mark(result);
-  return result;
+  return Join(arguments, MakeMatrix(rows, columns));
 }
 
 /// Column below column.
@@ -170,14 +167,10 @@ Value MatrixProduct(const Arguments& arguments, FunctionContext&) {
 }
 
 Value Times(const Arguments& arguments, FunctionContext&) {
-  Value product = CopyNumbers(GetValue(arguments, 0), 0);
-  for (std::size_t i = 1; i < arguments.size(); ++i) {
-    product = MapPairs(product, GetValue(arguments, i), i, [](const Complex& x, const Complex& y) {
-      const bool real = x.imag() == 0.0 && y.imag() == 0.0;
-      return real ? Complex(x.real() * y.real()) : x * y;  // a complex infinity times a real number has a NaN
-    });
-  }
-  return product;
+  return FoldPairs(arguments, [](const Complex& x, const Complex& y) {
+    const bool real = x.imag() == 0.0 && y.imag() == 0.0;
+    return real ? Complex(x.real() * y.real()) : x * y;  // a complex infinity times a real number has a NaN
+  });
 }
 
 void AppendAlgebra(FunctionTable& table) {

@@ -6,6 +6,7 @@
 #include <fstream>
 #include <string_view>
 #include <system_error>
+#include <utility>
 
 #include "calculator/functions/arguments.h"
 #include "calculator/functions/calculator_exceptions.h"
@@ -15,6 +16,8 @@ namespace kestrel::calculator {
 namespace {
 
 constexpr std::string_view kBlanks = " \t\r\v\f";
+
+bool IsSeparator(char character) { return character == ',' || character == ';'; }
 
 [[noreturn]] void RefuseFile(const std::wstring& path, const std::wstring& text) {
   throw CCalculatorException(L"File \"" + path + L"\": " + text);
@@ -53,7 +56,7 @@ double CutNumber(std::string_view& text, std::size_t line) {
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
   if (error == std::errc::result_out_of_range) RefuseLine(line, L"A number is out of range.");
   text.remove_prefix(static_cast<std::size_t>(end - text.data()));
-  const bool is_whole = text.empty() || text.find_first_of(kBlanks) == 0 || text.find_first_of(",;") == 0;
+  const bool is_whole = text.empty() || kBlanks.find(text.front()) != kBlanks.npos || IsSeparator(text.front());
   if (error != std::errc() || !is_whole) RefuseLine(line, L"It has something that is not a number.");
   return number;
 }
@@ -66,7 +69,7 @@ void ParseLine(std::string_view text, std::size_t line, std::vector<double>& num
     numbers.push_back(CutNumber(text, line));
     RequireEntries(numbers.size());
     text = SkipBlanks(text);
-    if (!text.empty() && (text.front() == ',' || text.front() == ';')) text = SkipBlanks(text.substr(1));
+    if (!text.empty() && IsSeparator(text.front())) text = SkipBlanks(text.substr(1));
   }
 }
 

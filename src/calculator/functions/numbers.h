@@ -143,6 +143,14 @@ Value MapPairs(const Value& left, const Value& right, std::size_t right_index, M
   return result;
 }
 
+/// map(map(first, second), third) ... of at least two arguments.
+template <class Map>
+Value FoldPairs(const Arguments& arguments, Map map) {
+  Value result = MapPairs(GetValue(arguments, 0), GetValue(arguments, 1), 1, map);
+  for (std::size_t i = 2; i < arguments.size(); ++i) result = MapPairs(result, GetValue(arguments, i), i, map);
+  return result;
+}
+
 /// reduce(row) of each row: a vector, or a scalar where the value is a scalar, a vector or a signal of one channel.
 template <class Reduce>
 Value ReduceRows(const Numbers& numbers, Reduce reduce) {

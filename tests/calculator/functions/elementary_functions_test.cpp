@@ -1,5 +1,8 @@
+#include <cmath>
 #include <fstream>
 #include <sstream>
+#include <string>
+#include <vector>
 
 #include "calculator/functions/call.h"
 

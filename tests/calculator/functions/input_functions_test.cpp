@@ -1,3 +1,8 @@
+#include <gmock/gmock.h>
+
+#include <filesystem>
+#include <string>
+
 #include "calculator/functions/calculator_exceptions.h"
 #include "calculator/functions/call.h"
 #include "support/temporary_folder.h"

@@ -58,7 +58,8 @@ void ExpectIdentity(const Value& product, double tolerance) {
 
 TEST(MatrixFunctions, Invert) {
   const Value matrices[] = {
-      Matrix2({0, 2, 4, 1}), Matrix(3, {{1, 1}, 2, 0, 3, {0, -1}, 5, 1, 1, {2, 2}}),
+      Matrix2({0, 2, 4, 1}),
+      Matrix(3, {{1, 1}, 2, 0, 3, {0, -1}, 5, 1, 1, {2, 2}}),
   };
   for (const Value& matrix : matrices) {
     const Value inverse = Call(L"invert", {matrix});

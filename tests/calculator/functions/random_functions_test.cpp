@@ -1,3 +1,7 @@
+#include <algorithm>
+#include <cmath>
+#include <string>
+
 #include "calculator/functions/call.h"
 #include "calculator/functions/option_words.h"
 

@@ -1,3 +1,8 @@
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <string>
+
 #include "calculator/functions/calculator_exceptions.h"
 #include "calculator/functions/call.h"
 #include "calculator/functions/option_words.h"
