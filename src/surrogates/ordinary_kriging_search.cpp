@@ -1,5 +1,6 @@
 #include "surrogates/ordinary_kriging_search.h"
 
+#include <algorithm>
 #include <cmath>
 #include <stdexcept>
 
@@ -31,13 +32,30 @@ void OrdinaryKriging::HyperparameterSearch::SetParameters(const VectorIn& point)
 }
 
 std::optional<double> OrdinaryKriging::HyperparameterSearch::Evaluate(const VectorIn& point) {
+  const auto known = std::find_if(known_.begin(), known_.end(), [&](const Known& k) { return k.point == point; });
+  if (known != known_.end()) return known->objective;
+  return known_.emplace_back(Known{point, BuildTrial(point)}).objective;
+}
+
+bool OrdinaryKriging::HyperparameterSearch::FillCorrelation() {
+  Matrix& R = model_.correlation_;
+  const Vector& radii = model_.settings_.GetKernelParameter();
+  if (filled_radii_.size() == radii.size() && filled_radii_ == radii) {
+    R.diagonal().setConstant(1.0 + model_.settings_.GetNugget());
+    return true;
+  }
+  filled_radii_.resize(0);
+  const bool filled = distances_ ? model_.BuildCorrelationFromDistances(*distances_, R)
+                                 : model_.BuildCorrelationMatrix(model_.points_trans_reduced_, R);
+  if (filled) filled_radii_ = radii;
+  return filled;
+}
+
+std::optional<double> OrdinaryKriging::HyperparameterSearch::BuildTrial(const VectorIn& point) {
   utils::CheckInterrupted(model_.Stop());
   evaluated_.resize(0);
   SetParameters(point);
-  Matrix& R = model_.correlation_;
-  const bool filled = distances_ ? model_.BuildCorrelationFromDistances(*distances_, R)
-                                 : model_.BuildCorrelationMatrix(model_.points_trans_reduced_, R);
-  if (!filled || !model_.BuildLikelihood(model_.values_trans_, R)) return std::nullopt;
+  if (!FillCorrelation() || !model_.BuildLikelihood(model_.values_trans_, model_.correlation_)) return std::nullopt;
   const double objective = UsesLikelihood()
                                ? model_.negative_log_likelihood_
                                : statistics::SSE(model_.values_, model_.ApproximateCrossValidation(subsets_)) /
@@ -52,7 +70,7 @@ Vector OrdinaryKriging::HyperparameterSearch::Gradient(const VectorIn& point) {
   const Vector nowhere = Vector::Constant(point.size(), std::numeric_limits<double>::quiet_NaN());
   if (UsesLikelihood()) {
     const bool stands = evaluated_.size() == point.size() && evaluated_ == point;
-    return stands || Evaluate(point) ? model_.BuildGradient() : nowhere;
+    return stands || BuildTrial(point) ? model_.BuildGradient() : nowhere;
   }
   const std::optional<double> here = Evaluate(point);
   Vector gradient = nowhere;

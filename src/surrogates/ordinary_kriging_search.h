@@ -3,6 +3,7 @@
 #include <limits>
 #include <memory>
 #include <optional>
+#include <vector>
 
 #include "surrogates/ordinary_kriging.h"
 
@@ -23,7 +24,8 @@ class OrdinaryKriging::HyperparameterSearch {
   HyperparameterSearch(OrdinaryKriging& model, const Subsets& subsets, const Matrix* distances);
 
   /// The objective at a point; nothing where the correlation matrix is not positive definite or the objective is no
-  /// number. Each trial is a point where a stop takes effect.
+  /// number. A point that was tried before, as the start of a descent always was, is not built again. Each trial is a
+  /// point where a stop takes effect.
   std::optional<double> Evaluate(const VectorIn& point);
   /// Its derivatives: those of the likelihood, or forward differences. NaN at a point that cannot be evaluated.
   Vector Gradient(const VectorIn& point);
@@ -34,14 +36,24 @@ class OrdinaryKriging::HyperparameterSearch {
   bool BuildBest();
 
  private:
+  struct Known {
+    Vector point;
+    std::optional<double> objective;
+  };
+
   void SetParameters(const VectorIn& point);
+  std::optional<double> BuildTrial(const VectorIn& point);
+  /// R at the parameters that are set. While the radii stay only the diagonal changes.
+  bool FillCorrelation();
   bool UsesLikelihood() const { return model_.settings_.GetUseLikelihood(); }
 
   OrdinaryKriging& model_;
   const Subsets& subsets_;
   const Matrix* distances_;
   std::unique_ptr<KernelBase> kernel_;
-  Vector evaluated_;  ///< the point that the model was built at last; empty if it could not be
+  std::vector<Known> known_;
+  Vector evaluated_;     ///< the point that the model was built at last; empty if it could not be
+  Vector filled_radii_;  ///< those of the correlations in R; empty if these do not stand
   double total_sum_of_squares_;
   Trial best_;
 };
