@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "surrogates/dense_kernels.h"
 #include "surrogates/kernels/kernel_constant_influence.h"
 
 namespace kestrel::math::metamodel {
@@ -34,8 +35,7 @@ void SquaredDistances(const Matrix& points, Index i, Eigen::Ref<Vector> distance
 /// long.
 void ReplaceExponents(Eigen::Ref<Vector> exponents) {
   constexpr double kNegligible = 2e-22;
-  exponents = exponents.array().exp();
-  exponents = (exponents.array() < kNegligible).select(0.0, exponents);
+  FastestKernels().exponentials(exponents.data(), exponents.size(), kNegligible);
 }
 
 bool HasParameters(const OrdinaryKrigingSettings& settings, Index num_columns) {

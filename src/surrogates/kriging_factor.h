@@ -18,14 +18,16 @@ class KrigingFactor {
   Index Size() const { return lower_.rows(); }
 
   double LogDeterminant() const { return log_determinant_; }
-  /// R^-1 B.
+  /// R^-1 B, for a few columns.
   Matrix Solve(Matrix B) const;
   /// V with R^-1 = V'V, N^3 / 3 products: L^-1, lower triangular, unless R was in doubt.
   Matrix InverseRoot(const utils::StopHelper* stop) const;
-  /// The lower triangle of R^-1, another N^3 / 3; what stands above is not defined.
-  Matrix Inverse(const utils::StopHelper* stop) const;
+  /// The lower triangle of R^-1, another N^3 / 3, into `inverse`, whose memory serves again if it has the size; what
+  /// stands above is not defined.
+  void FillInverse(Matrix& inverse, const utils::StopHelper* stop) const;
 
  private:
+  void FillInverseRoot(Matrix& V, const utils::StopHelper* stop) const;
   bool ComputePivoted(const Matrix& R);
 
   Matrix lower_;

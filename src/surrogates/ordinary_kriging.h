@@ -107,6 +107,8 @@ class OrdinaryKriging final : public SurrogateBase {
   /// Runs `work` on R and its factor: those of the build, or, in a model that was read, some made for this call.
   template <class Work>
   Vector OnFactor(Work&& work) const;
+  /// `BuildGradient` with the memory of M, N x N, which a search keeps.
+  Vector GradientIn(Matrix& M) const;
   void RequireBuiltForCrossValidation() const;
   void RequireSubsets(const Subsets& subsets) const;
 

@@ -118,9 +118,14 @@ Vector OrdinaryKriging::ApproximateVariableImportanceCV(const Subsets& subsets) 
 //
 // which holds about any origin; about the mean of the points it loses the fewest digits.
 Vector OrdinaryKriging::BuildGradient() const {
+  Matrix M;
+  return GradientIn(M);
+}
+
+Vector OrdinaryKriging::GradientIn(Matrix& M) const {
   RequireBuiltForCrossValidation();
   return OnFactor([&](const Matrix& R, const KrigingFactor& factor) {
-    Matrix M = factor.Inverse(Stop());
+    factor.FillInverse(M, Stop());
     if (sigma2_ > kLeastVariance) {
       M.selfadjointView<Eigen::Lower>().rankUpdate(kernel_weights_, -1.0 / sigma2_);
     }

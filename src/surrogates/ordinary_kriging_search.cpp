@@ -70,7 +70,7 @@ Vector OrdinaryKriging::HyperparameterSearch::Gradient(const VectorIn& point) {
   const Vector nowhere = Vector::Constant(point.size(), std::numeric_limits<double>::quiet_NaN());
   if (UsesLikelihood()) {
     const bool stands = evaluated_.size() == point.size() && evaluated_ == point;
-    return stands || BuildTrial(point) ? model_.BuildGradient() : nowhere;
+    return stands || BuildTrial(point) ? model_.GradientIn(gradient_scratch_) : nowhere;
   }
   const std::optional<double> here = Evaluate(point);
   Vector gradient = nowhere;

@@ -54,6 +54,7 @@ class OrdinaryKriging::HyperparameterSearch {
   std::vector<Known> known_;
   Vector evaluated_;     ///< the point that the model was built at last; empty if it could not be
   Vector filled_radii_;  ///< those of the correlations in R; empty if these do not stand
+  Matrix gradient_scratch_;
   double total_sum_of_squares_;
   Trial best_;
 };

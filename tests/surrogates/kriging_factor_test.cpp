@@ -39,7 +39,8 @@ TEST(KrigingFactor, AgreesWithALuDecomposition) {
     EXPECT_TRUE(MatrixNearRelative(factor.Solve(Matrix::Identity(count, count)), inverse, 1e-11));
     const Matrix V = factor.InverseRoot(nullptr);
     EXPECT_TRUE(MatrixNearRelative(V.transpose() * V, inverse, 1e-11));
-    const Matrix half = factor.Inverse(nullptr);
+    Matrix half;
+    factor.FillInverse(half, nullptr);
     const Matrix whole = half.selfadjointView<Eigen::Lower>();
     EXPECT_TRUE(MatrixNearRelative(whole, inverse, 1e-11));
   }
@@ -85,7 +86,8 @@ TEST(KrigingFactor, StopsBetweenBlocks) {
   utils::StopHelper stop;
   stop.RequestStop();
   EXPECT_THROW(factor.InverseRoot(&stop), utils::runtime_error);
-  EXPECT_THROW(factor.Inverse(&stop), utils::runtime_error);
+  Matrix inverse;
+  EXPECT_THROW(factor.FillInverse(inverse, &stop), utils::runtime_error);
   EXPECT_THROW(factor.Compute(R, &stop), utils::runtime_error);
 }
 

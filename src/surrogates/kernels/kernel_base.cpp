@@ -3,6 +3,7 @@
 #include <stdexcept>
 
 #include "persistence/archive/archives.h"
+#include "surrogates/dense_kernels.h"
 #include "surrogates/kernels/kernel_constant_influence.h"
 #include "surrogates/kernels/kernel_nodal_influence.h"
 
@@ -62,8 +63,8 @@ void KernelBase::RequireParameters(const VectorIn& parameters) {
 
 void KernelBase::ReplaceExponents(Eigen::Ref<Vector> exponents) {
   // The vectorised exponential does not fall below some 1e-308, where far points would all weigh the same.
-  constexpr double kSmallestExponent = -708.0;
-  exponents = (exponents.array() < kSmallestExponent).select(0.0, exponents.array().exp());
+  constexpr double kSmallest = 3.4e-308;
+  FastestKernels().exponentials(exponents.data(), exponents.size(), kSmallest);
 }
 
 std::unique_ptr<KernelBase> CreateKernel(Kernel::eType type, const VectorIn& parameters) {
