@@ -3,7 +3,7 @@ PREFIX ?= /usr/local
 # OFF leaves out the second build of the library, for processors with AVX2 and FMA.
 ZOR_V3 ?= ON
 
-.PHONY: demo check check-v3 sanitize bench fuzz install clean format
+.PHONY: demo check check-v3 sanitize bench accuracy fuzz install clean format
 
 # Builds the program and the examples and shows what they do.
 demo:
@@ -27,6 +27,11 @@ sanitize:
 bench:
 	@scripts/build.sh release bench/all
 	@for program in out/release/bench/*/*_bench; do $$program --benchmark_filter='$(FILTER)'; done
+
+# Tries published functions and rewrites the table of docs/accuracy.md; `make accuracy FILTER=Branin` only shows its rows.
+accuracy:
+	@scripts/build.sh release bench/accuracy/all
+	@out/release/bench/accuracy/accuracy $(if $(FILTER),'$(FILTER)',--write docs/accuracy.md)
 
 # Runs each fuzz target for a minute; `make fuzz SECONDS=600` for longer.
 fuzz:
