@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "surrogates/dense_kernels.h"
+#include "surrogates/dense_operations.h"
 #include "surrogates/kernels/kernel_constant_influence.h"
 
 namespace kestrel::math::metamodel {
@@ -35,7 +35,7 @@ void SquaredDistances(const Matrix& points, Index i, Eigen::Ref<Vector> distance
 /// long.
 void ReplaceExponents(Eigen::Ref<Vector> exponents) {
   constexpr double kNegligible = 2e-22;
-  FastestKernels().exponentials(exponents.data(), exponents.size(), kNegligible);
+  ReplaceByExponentials(exponents, kNegligible);
 }
 
 bool HasParameters(const OrdinaryKrigingSettings& settings, Index num_columns) {

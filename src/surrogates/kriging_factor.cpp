@@ -2,7 +2,7 @@
 
 #include <limits>
 
-#include "surrogates/dense_kernels.h"
+#include "surrogates/dense_operations.h"
 
 namespace kestrel::math::metamodel {
 
@@ -10,7 +10,7 @@ bool KrigingFactor::Compute(const Matrix& R, const utils::StopHelper* stop) {
   pivoted_.reset();
   lower_.resize(R.rows(), R.cols());
   for (Index j = 0; j < R.cols(); ++j) lower_.col(j).tail(R.rows() - j) = R.col(j).tail(R.rows() - j);
-  const bool factorised = FastestKernels().factorise(AsBlock(lower_), stop);
+  const bool factorised = FactoriseLower(lower_, stop);
   // The unpivoted factor is trusted while its smallest pivot is well above the rounding of the largest entry.
   const double rounding = static_cast<double>(R.rows()) * std::numeric_limits<double>::epsilon();
   const auto pivots = lower_.diagonal().array();
@@ -60,7 +60,7 @@ void KrigingFactor::FillInverseRoot(Matrix& V, const utils::StopHelper* stop) co
     V = pivoted_->vectorD().cwiseSqrt().cwiseInverse().asDiagonal() * V;
   } else {
     V = lower_.triangularView<Eigen::Lower>();
-    FastestKernels().invert_lower(AsBlock(V), stop);
+    InvertLower(V, stop);
   }
 }
 
@@ -70,7 +70,7 @@ void KrigingFactor::FillInverse(Matrix& inverse, const utils::StopHelper* stop) 
     return;
   }
   FillInverseRoot(inverse, stop);
-  FastestKernels().square_lower(AsBlock(inverse), stop);
+  SquareLower(inverse, stop);
 }
 
 }  // namespace kestrel::math::metamodel

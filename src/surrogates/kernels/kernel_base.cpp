@@ -3,7 +3,7 @@
 #include <stdexcept>
 
 #include "persistence/archive/archives.h"
-#include "surrogates/dense_kernels.h"
+#include "surrogates/dense_operations.h"
 #include "surrogates/kernels/kernel_constant_influence.h"
 #include "surrogates/kernels/kernel_nodal_influence.h"
 
@@ -64,7 +64,7 @@ void KernelBase::RequireParameters(const VectorIn& parameters) {
 void KernelBase::ReplaceExponents(Eigen::Ref<Vector> exponents) {
   // The vectorised exponential does not fall below some 1e-308, where far points would all weigh the same.
   constexpr double kSmallest = 3.4e-308;
-  FastestKernels().exponentials(exponents.data(), exponents.size(), kSmallest);
+  ReplaceByExponentials(exponents, kSmallest);
 }
 
 std::unique_ptr<KernelBase> CreateKernel(Kernel::eType type, const VectorIn& parameters) {

@@ -1,24 +1,23 @@
-// The dense kernels for the processor that the including file is compiled for. That file names the function which hands
-// them out, KESTREL_DENSE_KERNELS, and includes <Eigen/Cholesky>.
+#include "surrogates/dense_operations.h"
+
+#include <Eigen/Cholesky>
+#include <algorithm>
 
 namespace kestrel::math::metamodel {
 namespace {
 
-using Matrix = Eigen::MatrixXd;
 using MatrixRef = Eigen::Ref<Matrix>;
-using View = Eigen::Map<Matrix, Eigen::Unaligned, Eigen::OuterStride<>>;
 
 constexpr Index kBlock = 64;
 constexpr Index kSolvedTogether = 256;  // right-hand sides between two points where a stop takes effect
 
-View AsView(const Block& block) { return {block.data, block.rows, block.cols, Eigen::OuterStride<>(block.stride)}; }
+}  // namespace
 
-/// A block of columns after the other, each taken out of the rest by one product.
-bool Factorise(Block block, const utils::StopHelper* stop) {
-  MatrixRef A = AsView(block);
+// A block of columns after the other, each taken out of the rest by one product.
+bool FactoriseLower(MatrixRef A, const utils::StopHelper* stop) {
   for (Index k = 0; k < A.rows(); k += kBlock) {
     utils::CheckInterrupted(stop);
-    const Index size = A.rows() - k < kBlock ? A.rows() - k : kBlock;
+    const Index size = std::min(kBlock, A.rows() - k);
     const Index rest = A.rows() - k - size;
     MatrixRef diagonal = A.block(k, k, size, size);
     const Eigen::LLT<MatrixRef> in_place(diagonal);
@@ -31,8 +30,8 @@ bool Factorise(Block block, const utils::StopHelper* stop) {
   return true;
 }
 
-/// Half by half: [A 0; B C]^-1 = [A^-1 0; -C^-1 B A^-1  C^-1].
-void InvertLowerRef(MatrixRef L, const utils::StopHelper* stop) {
+// Half by half: [A 0; B C]^-1 = [A^-1 0; -C^-1 B A^-1  C^-1].
+void InvertLower(MatrixRef L, const utils::StopHelper* stop) {
   if (L.rows() <= kBlock / 2) {
     L = L.triangularView<Eigen::Lower>().solve(Matrix::Identity(L.rows(), L.rows())).eval();
     return;
@@ -44,30 +43,27 @@ void InvertLowerRef(MatrixRef L, const utils::StopHelper* stop) {
   MatrixRef C = L.bottomRightCorner(rest, rest);
   for (Index k = 0; k < rest; k += kSolvedTogether) {
     utils::CheckInterrupted(stop);
-    auto rows = B.middleRows(k, rest - k < kSolvedTogether ? rest - k : kSolvedTogether);
+    auto rows = B.middleRows(k, std::min(kSolvedTogether, rest - k));
     A.triangularView<Eigen::Lower>().solveInPlace<Eigen::OnTheRight>(rows);
   }
   for (Index k = 0; k < half; k += kSolvedTogether) {
     utils::CheckInterrupted(stop);
-    auto columns = B.middleCols(k, half - k < kSolvedTogether ? half - k : kSolvedTogether);
+    auto columns = B.middleCols(k, std::min(kSolvedTogether, half - k));
     C.triangularView<Eigen::Lower>().solveInPlace(columns);
     columns = -columns;
   }
-  InvertLowerRef(A, stop);
-  InvertLowerRef(C, stop);
+  InvertLower(A, stop);
+  InvertLower(C, stop);
 }
 
-void InvertLower(Block L, const utils::StopHelper* stop) { InvertLowerRef(AsView(L), stop); }
-
-/// A block of rows after the other: those below need no row above them.
-void SquareLower(Block block, const utils::StopHelper* stop) {
-  View V = AsView(block);
+// A block of rows after the other: those below need no row above them.
+void SquareLower(MatrixRef V, const utils::StopHelper* stop) {
   const Index n = V.rows();
   Matrix left;
   Matrix diagonal;
   for (Index k = 0; k < n; k += kBlock) {
     utils::CheckInterrupted(stop);
-    const Index size = n - k < kBlock ? n - k : kBlock;
+    const Index size = std::min(kBlock, n - k);
     const auto columns = V.block(k, k, n - k, size);
     diagonal.setZero(size, size);
     diagonal.selfadjointView<Eigen::Lower>().rankUpdate(columns.transpose());
@@ -77,25 +73,19 @@ void SquareLower(Block block, const utils::StopHelper* stop) {
   }
 }
 
-/// In pieces of a fixed size, also at the end, so that no number depends on where it lies in memory.
-void Exponentials(double* values, Index count, double least) {
+// In pieces of a fixed size, also at the end: the ends of longer arrays are not vectorised, and there exp rounds
+// otherwise.
+void ReplaceByExponentials(Eigen::Ref<Vector> exponents, double least) {
   constexpr Index kPiece = 16;
   using Piece = Eigen::Array<double, kPiece, 1>;
-  for (Index first = 0; first < count; first += kPiece) {
-    double* const at = values + first;
-    const Index size = count - first < kPiece ? count - first : kPiece;
+  for (Index first = 0; first < exponents.size(); first += kPiece) {
+    const Index size = std::min(kPiece, exponents.size() - first);
+    auto part = exponents.segment(first, size).array();
     Piece piece = Piece::Zero();
-    for (Index i = 0; i < size; ++i) piece[i] = at[i];
+    piece.head(size) = part;
     piece = piece.exp();
-    for (Index i = 0; i < size; ++i) at[i] = piece[i] < least ? 0.0 : piece[i];
+    part = (piece.head(size) < least).select(0.0, piece.head(size));
   }
-}
-
-}  // namespace
-
-const DenseKernels& KESTREL_DENSE_KERNELS() {
-  static constexpr DenseKernels kernels = {&Factorise, &InvertLower, &SquareLower, &Exponentials};
-  return kernels;
 }
 
 }  // namespace kestrel::math::metamodel
