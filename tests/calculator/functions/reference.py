@@ -1,5 +1,5 @@
 """Writes reference.csv: values of the elementary functions from Python's own implementation of complex functions.
-Usage: reference.py > reference.csv. A line is function, real and imaginary part of x, real and imaginary part of f(x)."""
+Usage: reference.py > reference.csv. A line: function, real and imaginary part of x, real and imaginary part of f(x)."""
 
 import cmath
 
