@@ -104,26 +104,27 @@ void AppendComplexFunctions(FunctionTable& table) {
   const CCalculatorArgumentInfoObject y{L"y", L"The ordinate.", true};
   const CCalculatorArgumentInfoObject phi{L"phi", L"The angle in radians, or [phi, r], or a matrix with these rows."};
   const CCalculatorArgumentInfoObject r{L"r", L"The radius.", true};
-  Append(table, {
-                    {L"cplx", L"re + i im, entry by entry.", {re, im}, L"cplx(re, im)", &Cplx},
-                    {L"conj", L"Complex conjugate of each entry.", {z}, L"conj(z)", &Conj},
-                    {L"abs", L"Absolute value of each entry.", {z}, L"abs(z)", &Abs},
-                    {L"arg", L"Angle of each entry in radians, from -pi to pi.", {z}, L"arg(z)", &Arg},
-                    {L"real", L"Real part of each entry.", {z}, L"real(z)", &Real},
-                    {L"imag", L"Imaginary part of each entry.", {z}, L"imag(z)", &Imag},
-                    {L"cart2pol",
-                     L"Cartesian to polar coordinates: the vector [phi, r] of one point or of a complex number, a "
-                     L"matrix with the rows phi and r of several points. Angles are in radians, from -pi to pi.",
-                     {x, y},
-                     L"cart2pol(x, y)\ncart2pol([x, y])\ncart2pol(z)",
-                     &CartesianToPolar},
-                    {L"pol2cart",
-                     L"Polar to Cartesian coordinates: the vector [x, y] of one point, a matrix with the rows x and y "
-                     L"of several points.",
-                     {phi, r},
-                     L"pol2cart(phi, r)\npol2cart([phi, r])",
-                     &PolarToCartesian},
-                });
+  AppendRows(table,
+             {
+                 {L"cplx", L"re + i im, entry by entry.", {re, im}, L"cplx(re, im)", &Cplx},
+                 {L"conj", L"Complex conjugate of each entry.", {z}, L"conj(z)", &Conj},
+                 {L"abs", L"Absolute value of each entry.", {z}, L"abs(z)", &Abs},
+                 {L"arg", L"Angle of each entry in radians, from -pi to pi.", {z}, L"arg(z)", &Arg},
+                 {L"real", L"Real part of each entry.", {z}, L"real(z)", &Real},
+                 {L"imag", L"Imaginary part of each entry.", {z}, L"imag(z)", &Imag},
+                 {L"cart2pol",
+                  L"Cartesian to polar coordinates: the vector [phi, r] of one point or of a complex number, a "
+                  L"matrix with the rows phi and r of several points. Angles are in radians, from -pi to pi.",
+                  {x, y},
+                  L"cart2pol(x, y)\ncart2pol([x, y])\ncart2pol(z)",
+                  &CartesianToPolar},
+                 {L"pol2cart",
+                  L"Polar to Cartesian coordinates: the vector [x, y] of one point, a matrix with the rows x and y "
+                  L"of several points.",
+                  {phi, r},
+                  L"pol2cart(phi, r)\npol2cart([phi, r])",
+                  &PolarToCartesian},
+             });
 }
 
 }  // namespace kestrel::calculator

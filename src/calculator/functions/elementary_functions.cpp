@@ -99,39 +99,40 @@ void AppendElementaryFunctions(FunctionTable& table) {
                                                true};
   const CCalculatorArgumentInfoObject dividend{L"x", L"Real numbers of any kind."};
   const CCalculatorArgumentInfoObject divisor{L"y", L"A real number, or real numbers of the shape of x."};
-  Append(table,
-         {
-             {L"exp", L"e to the power of each entry.", {x}, L"exp(x)", &Exp},
-             {L"ln", L"Natural logarithm of each entry, complex below 0.", {x}, L"ln(x)", &Ln},
-             {L"log",
-              L"Logarithm of each entry to the base 10 or to another one, complex below 0.",
-              {x, base},
-              L"log(x)\nlog(x, base)",
-              &Log},
-             {L"sqrt", L"Square root of each entry, complex below 0.", {x}, L"sqrt(x)", &Sqrt},
-             {L"sgn", L"Sign of each entry: -1, 0 or 1; of a complex entry z it is z / |z|.", {x}, L"sgn(x)", &Sgn},
-             {L"ceil",
-              L"The next whole number at or above each entry, for the real and the imaginary part.",
-              {x},
-              L"ceil(x)",
-              &Ceil},
-             {L"floor",
-              L"The next whole number at or below each entry, for the real and the imaginary part.",
-              {x},
-              L"floor(x)",
-              &Floor},
-             {L"round",
-              L"Each entry rounded to a number of decimals, halves away from 0, for the real and the imaginary part.",
-              {x, decimals},
-              L"round(x)\nround(x, decimals)",
-              &Round},
-             {L"mod",
-              L"Modulus x - y floor(x / y), entry by entry. It has the sign of y, where x % y has the sign of x; "
-              L"mod(x, 0) is x.",
-              {dividend, divisor},
-              L"mod(x, y)",
-              &Mod},
-         });
+  AppendRows(
+      table,
+      {
+          {L"exp", L"e to the power of each entry.", {x}, L"exp(x)", &Exp},
+          {L"ln", L"Natural logarithm of each entry, complex below 0.", {x}, L"ln(x)", &Ln},
+          {L"log",
+           L"Logarithm of each entry to the base 10 or to another one, complex below 0.",
+           {x, base},
+           L"log(x)\nlog(x, base)",
+           &Log},
+          {L"sqrt", L"Square root of each entry, complex below 0.", {x}, L"sqrt(x)", &Sqrt},
+          {L"sgn", L"Sign of each entry: -1, 0 or 1; of a complex entry z it is z / |z|.", {x}, L"sgn(x)", &Sgn},
+          {L"ceil",
+           L"The next whole number at or above each entry, for the real and the imaginary part.",
+           {x},
+           L"ceil(x)",
+           &Ceil},
+          {L"floor",
+           L"The next whole number at or below each entry, for the real and the imaginary part.",
+           {x},
+           L"floor(x)",
+           &Floor},
+          {L"round",
+           L"Each entry rounded to a number of decimals, halves away from 0, for the real and the imaginary part.",
+           {x, decimals},
+           L"round(x)\nround(x, decimals)",
+           &Round},
+          {L"mod",
+           L"Modulus x - y floor(x / y), entry by entry. It has the sign of y, where x % y has the sign of x; "
+           L"mod(x, 0) is x.",
+           {dividend, divisor},
+           L"mod(x, y)",
+           &Mod},
+      });
 }
 
 }  // namespace kestrel::calculator

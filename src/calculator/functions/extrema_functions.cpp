@@ -50,24 +50,24 @@ Value Max(const Arguments& arguments, FunctionContext&) { return FindExtremumOfA
 void AppendExtremaFunctions(FunctionTable& table) {
   const CCalculatorArgumentInfoObject a{L"a", L"Real numbers of any kind."};
   const CCalculatorArgumentInfoObject b{L"b", L"Further numbers of the shape of a, or a number.", true};
-  Append(table, {
-                    {L"min",
-                     L"Smallest entry of a vector, or of each row of a matrix. Of a signal the vector "
-                     L"[x, y1, y2, ...]: the sample at which the first channel has its minimum. With several "
-                     L"arguments the smallest of the entries at the same place. NaN do not count.",
-                     {a, b},
-                     L"min(a)\nmin(a, b, ...)",
-                     &Min,
-                     true},
-                    {L"max",
-                     L"Largest entry of a vector, or of each row of a matrix. Of a signal the vector "
-                     L"[x, y1, y2, ...]: the sample at which the first channel has its maximum. With several "
-                     L"arguments the largest of the entries at the same place. NaN do not count.",
-                     {a, b},
-                     L"max(a)\nmax(a, b, ...)",
-                     &Max,
-                     true},
-                });
+  AppendRows(table, {
+                        {L"min",
+                         L"Smallest entry of a vector, or of each row of a matrix. Of a signal the vector "
+                         L"[x, y1, y2, ...]: the sample at which the first channel has its minimum. With several "
+                         L"arguments the smallest of the entries at the same place. NaN do not count.",
+                         {a, b},
+                         L"min(a)\nmin(a, b, ...)",
+                         &Min,
+                         true},
+                        {L"max",
+                         L"Largest entry of a vector, or of each row of a matrix. Of a signal the vector "
+                         L"[x, y1, y2, ...]: the sample at which the first channel has its maximum. With several "
+                         L"arguments the largest of the entries at the same place. NaN do not count.",
+                         {a, b},
+                         L"max(a)\nmax(a, b, ...)",
+                         &Max,
+                         true},
+                    });
 }
 
 }  // namespace kestrel::calculator

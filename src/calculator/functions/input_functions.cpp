@@ -50,7 +50,7 @@ void AppendInputFunctions(FunctionTable& table) {
   const CCalculatorArgumentInfoObject columns{L"columns", L"Numbers of columns, counted from 0, or vectors of them.",
                                               true};
   const CCalculatorArgumentInfoObject text{L"text", L"An expression in double quotes."};
-  Append(
+  AppendRows(
       table,
       {
           {L"read",

@@ -181,27 +181,28 @@ void AppendAlgebra(FunctionTable& table) {
   const CCalculatorArgumentInfoObject right{L"b", L"A vector or a number."};
   const CCalculatorArgumentInfoObject left_matrix{L"a", L"A matrix, or a vector as a row."};
   const CCalculatorArgumentInfoObject right_matrix{L"b", L"A matrix, or a vector as a column."};
-  Append(table,
-         {
-             {L"invert", L"Inverse of a matrix; a singular one is refused.", {a}, L"invert(a)", &InvertMatrix},
-             {L"lufactorize",
-              L"Triangular factors of a matrix with partial pivoting, P a = L U, where L has ones on its diagonal: in "
-              L"one matrix (U on and above the diagonal, L below) or one by one.",
-              {a, part},
-              L"lufactorize(a)\nlufactorize(a, part)",
-              &LuFactorize},
-             {L"innerprod", L"Sum of conj(a) b.", {left, right}, L"innerprod(a, b)", &InnerProduct},
-             {L"outerprod",
-              L"Matrix of the products a_i b_j, one row per entry of a.",
-              {left, right},
-              L"outerprod(a, b)",
-              &OuterProduct},
-             {L"matrixmult",
-              L"Matrix product: of two matrices a matrix, with one vector a vector, of two vectors a number.",
-              {left_matrix, right_matrix},
-              L"matrixmult(a, b)",
-              &MatrixProduct},
-         });
+  AppendRows(
+      table,
+      {
+          {L"invert", L"Inverse of a matrix; a singular one is refused.", {a}, L"invert(a)", &InvertMatrix},
+          {L"lufactorize",
+           L"Triangular factors of a matrix with partial pivoting, P a = L U, where L has ones on its diagonal: in "
+           L"one matrix (U on and above the diagonal, L below) or one by one.",
+           {a, part},
+           L"lufactorize(a)\nlufactorize(a, part)",
+           &LuFactorize},
+          {L"innerprod", L"Sum of conj(a) b.", {left, right}, L"innerprod(a, b)", &InnerProduct},
+          {L"outerprod",
+           L"Matrix of the products a_i b_j, one row per entry of a.",
+           {left, right},
+           L"outerprod(a, b)",
+           &OuterProduct},
+          {L"matrixmult",
+           L"Matrix product: of two matrices a matrix, with one vector a vector, of two vectors a number.",
+           {left_matrix, right_matrix},
+           L"matrixmult(a, b)",
+           &MatrixProduct},
+      });
 }
 
 }  // namespace
@@ -214,40 +215,41 @@ void AppendMatrixFunctions(FunctionTable& table) {
   const CCalculatorArgumentInfoObject row_count{L"rows", L"Number of rows.", true};
   const CCalculatorArgumentInfoObject column_count{L"columns", L"Number of columns; as many as fit if missing.", true};
   const CCalculatorArgumentInfoObject factor{L"b", L"Numbers of the shape of a, or a number."};
-  Append(table,
-         {
-             {L"vector",
-              L"Joins numbers and vectors to one vector.",
-              {part, parts},
-              L"vector(a, b, ...)",
-              &VectorOf,
-              true},
-             {L"matrix",
-              L"Puts vectors and the rows of matrices below each other.",
-              {rows, parts},
-              L"matrix(a, b, ...)",
-              &MatrixOf,
-              true},
-             {L"vec", L"The columns of a matrix one after the other as a vector.", {x}, L"vec(x)", &Vec},
-             {L"mat",
-              L"A matrix of so many rows and columns, filled column by column: mat(vec(x), size1(x), size2(x)) is x. "
-              L"With one argument the data of a signal, or a vector as the only row.",
-              {x, row_count, column_count},
-              L"mat(x)\nmat(x, rows)\nmat(x, rows, columns)",
-              &Mat},
-             {L"transpose",
-              L"Rows and columns exchanged, without conjugation. A vector counts as a row and gives a matrix with one "
-              L"column, a signal gives its data with one row per sample.",
-              {x},
-              L"transpose(x)",
-              &Transpose},
-             {L"times",
-              L"Product of the entries at the same place, as by the operator *.",
-              {x, factor},
-              L"times(a, b, ...)",
-              &Times,
-              true},
-         });
+  AppendRows(
+      table,
+      {
+          {L"vector",
+           L"Joins numbers and vectors to one vector.",
+           {part, parts},
+           L"vector(a, b, ...)",
+           &VectorOf,
+           true},
+          {L"matrix",
+           L"Puts vectors and the rows of matrices below each other.",
+           {rows, parts},
+           L"matrix(a, b, ...)",
+           &MatrixOf,
+           true},
+          {L"vec", L"The columns of a matrix one after the other as a vector.", {x}, L"vec(x)", &Vec},
+          {L"mat",
+           L"A matrix of so many rows and columns, filled column by column: mat(vec(x), size1(x), size2(x)) is x. "
+           L"With one argument the data of a signal, or a vector as the only row.",
+           {x, row_count, column_count},
+           L"mat(x)\nmat(x, rows)\nmat(x, rows, columns)",
+           &Mat},
+          {L"transpose",
+           L"Rows and columns exchanged, without conjugation. A vector counts as a row and gives a matrix with one "
+           L"column, a signal gives its data with one row per sample.",
+           {x},
+           L"transpose(x)",
+           &Transpose},
+          {L"times",
+           L"Product of the entries at the same place, as by the operator *.",
+           {x, factor},
+           L"times(a, b, ...)",
+           &Times,
+           true},
+      });
   AppendAlgebra(table);
 }
 

@@ -140,35 +140,36 @@ void AppendModalFunctions(FunctionTable& table) {
   const CCalculatorArgumentInfoObject intact{L"intact", L"Mode shapes without damage, one column per mode."};
   const CCalculatorArgumentInfoObject damaged{L"damaged", L"The same modes with damage."};
   const CCalculatorArgumentInfoObject threshold{L"threshold", L"The least MAC of a pair; 0 if it is missing.", true};
-  Append(table, {
-                    {L"mac",
-                     L"Modal assurance criterion |a^H b|^2 / (a^H a b^H b) (Allemang and Brown 1982): a number for two "
-                     L"vectors, else a matrix with one row per mode of a and one column per mode of b. 0 for a mode "
-                     L"without displacements.",
-                     {a, b},
-                     L"mac(a, b)",
-                     &Mac},
-                    {L"comac",
-                     L"Coordinate modal assurance criterion (Lieven and Ewins 1988) of paired modes that are scaled "
-                     L"alike: a vector with one entry (sum |a b|)^2 / (sum |a|^2 sum |b|^2) per degree of freedom, 0 "
-                     L"where nothing moves.",
-                     {a, b},
-                     L"comac(a, b)",
-                     &Comac},
-                    {L"sdi",
-                     L"Structural damage index from modal curvatures (Stubbs, Kim and Farrar 1995) of paired modes "
-                     L"over evenly spaced degrees of freedom: a vector with one entry per degree of freedom, above 1 "
-                     L"where the share of the squared curvature grew by damage.",
-                     {intact, damaged},
-                     L"sdi(intact, damaged)",
-                     &Sdi},
-                    {L"modepairs",
-                     L"Pairs of modes: the two with the largest MAC, then again among the rest. A matrix with one row "
-                     L"[mode of a, mode of b, MAC] per pair, in the order of a; modes count from 0.",
-                     {a, b, threshold},
-                     L"modepairs(a, b)\nmodepairs(a, b, threshold)",
-                     &ModePairs},
-                });
+  AppendRows(table,
+             {
+                 {L"mac",
+                  L"Modal assurance criterion |a^H b|^2 / (a^H a b^H b) (Allemang and Brown 1982): a number for two "
+                  L"vectors, else a matrix with one row per mode of a and one column per mode of b. 0 for a mode "
+                  L"without displacements.",
+                  {a, b},
+                  L"mac(a, b)",
+                  &Mac},
+                 {L"comac",
+                  L"Coordinate modal assurance criterion (Lieven and Ewins 1988) of paired modes that are scaled "
+                  L"alike: a vector with one entry (sum |a b|)^2 / (sum |a|^2 sum |b|^2) per degree of freedom, 0 "
+                  L"where nothing moves.",
+                  {a, b},
+                  L"comac(a, b)",
+                  &Comac},
+                 {L"sdi",
+                  L"Structural damage index from modal curvatures (Stubbs, Kim and Farrar 1995) of paired modes "
+                  L"over evenly spaced degrees of freedom: a vector with one entry per degree of freedom, above 1 "
+                  L"where the share of the squared curvature grew by damage.",
+                  {intact, damaged},
+                  L"sdi(intact, damaged)",
+                  &Sdi},
+                 {L"modepairs",
+                  L"Pairs of modes: the two with the largest MAC, then again among the rest. A matrix with one row "
+                  L"[mode of a, mode of b, MAC] per pair, in the order of a; modes count from 0.",
+                  {a, b, threshold},
+                  L"modepairs(a, b)\nmodepairs(a, b, threshold)",
+                  &ModePairs},
+             });
 }
 
 }  // namespace kestrel::calculator

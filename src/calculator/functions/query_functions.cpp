@@ -70,7 +70,7 @@ Value InfToNaN(const Arguments& arguments, FunctionContext&) {
 void AppendQueryFunctions(FunctionTable& table) {
   const CCalculatorArgumentInfoObject x{L"x", L"A value of any kind."};
   const CCalculatorArgumentInfoObject cells{L"x", L"A matrix, a signal or x-y data."};
-  Append(
+  AppendRows(
       table,
       {
           {L"size",

@@ -97,14 +97,15 @@ void AppendRandomFunctions(FunctionTable& table) {
   const CCalculatorArgumentInfoObject parameter{L"parameter", L"The first parameter of the distribution."};
   const CCalculatorArgumentInfoObject more{L"parameters", L"Its further parameters.", true};
   const CCalculatorArgumentInfoObject size{L"size", L"How many numbers; one number and no vector if missing.", true};
-  Append(table, {{L"rand",
-                  L"Random numbers. LOGNORMAL takes the mean and the standard deviation of the logarithm, CAUCHY the "
-                  L"median and the half width at half height, EXPONENTIAL the rate, which is 1 / mean.",
-                  {word, parameter, more, more, size},
-                  L"rand(UNIFORM, low, high, size)\nrand(NORMAL, mean, stddev, size)\n"
-                  L"rand(LOGNORMAL, mean of ln, stddev of ln, size)\nrand(TRIANGLE, low, mode, high, size)\n"
-                  L"rand(CAUCHY, median, width, size)\nrand(EXPONENTIAL, rate, size)",
-                  &Rand}});
+  AppendRows(table,
+             {{L"rand",
+               L"Random numbers. LOGNORMAL takes the mean and the standard deviation of the logarithm, CAUCHY the "
+               L"median and the half width at half height, EXPONENTIAL the rate, which is 1 / mean.",
+               {word, parameter, more, more, size},
+               L"rand(UNIFORM, low, high, size)\nrand(NORMAL, mean, stddev, size)\n"
+               L"rand(LOGNORMAL, mean of ln, stddev of ln, size)\nrand(TRIANGLE, low, mode, high, size)\n"
+               L"rand(CAUCHY, median, width, size)\nrand(EXPONENTIAL, rate, size)",
+               &Rand}});
 }
 
 }  // namespace kestrel::calculator

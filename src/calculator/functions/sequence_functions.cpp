@@ -106,26 +106,27 @@ void AppendSequenceFunctions(FunctionTable& table) {
   const CCalculatorArgumentInfoObject real{L"x", L"Real numbers of any kind."};
   const CCalculatorArgumentInfoObject from{L"from", L"Values of x in increasing order."};
   const CCalculatorArgumentInfoObject to{L"to", L"What they are mapped to."};
-  Append(table, {
-                    {L"linspace",
-                     L"Vector of numbers with even steps between two numbers.",
-                     {first, last, count},
-                     L"linspace(first, last, count)",
-                     &Linspace},
-                    {L"sort",
-                     L"The entries of a vector or of each row of a matrix in order: by the real part, then by the "
-                     L"imaginary part, NaN last. The samples of a signal or of x-y data are put in the order of their "
-                     L"abscissae.",
-                     {x, descending},
-                     L"sort(x)\nsort(x, descending)",
-                     &Sort},
-                    {L"mapping",
-                     L"Each entry mapped by the piecewise linear function through the points (from, to), which stays "
-                     L"constant beyond the first and the last point.",
-                     {real, from, to},
-                     L"mapping(x, from, to)",
-                     &Mapping},
-                });
+  AppendRows(table,
+             {
+                 {L"linspace",
+                  L"Vector of numbers with even steps between two numbers.",
+                  {first, last, count},
+                  L"linspace(first, last, count)",
+                  &Linspace},
+                 {L"sort",
+                  L"The entries of a vector or of each row of a matrix in order: by the real part, then by the "
+                  L"imaginary part, NaN last. The samples of a signal or of x-y data are put in the order of their "
+                  L"abscissae.",
+                  {x, descending},
+                  L"sort(x)\nsort(x, descending)",
+                  &Sort},
+                 {L"mapping",
+                  L"Each entry mapped by the piecewise linear function through the points (from, to), which stays "
+                  L"constant beyond the first and the last point.",
+                  {real, from, to},
+                  L"mapping(x, from, to)",
+                  &Mapping},
+             });
 }
 
 }  // namespace kestrel::calculator

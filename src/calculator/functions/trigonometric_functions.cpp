@@ -85,7 +85,7 @@ void AppendTrigonometricFunctions(FunctionTable& table) {
   const CCalculatorArgumentInfoObject x{L"x", L"Numbers of any kind."};
   const CCalculatorArgumentInfoObject y{L"y", L"The ordinates, or a complex number, or a vector [x, y]."};
   const CCalculatorArgumentInfoObject abscissa{L"x", L"The abscissae.", true};
-  Append(
+  AppendRows(
       table,
       {
           {L"sin", L"Sine of each entry.", {angle}, L"sin(x)", &Sin},
