@@ -7,9 +7,10 @@
 #include "problem.h"
 #include "zor_api.h"
 
-// Whole builds through the flat interface, with the default options but for moving least squares and Kriging, which are
-// off. Arguments: N designs, n inputs, outputs, workers. The counter peak_MiB is the largest resident size of the
-// process so far, so that only the growth from case to case tells.
+// Whole builds through the flat interface, with the default options. BuildByClasses: processor time with more and more
+// model classes, one output of 10 inputs. Build: without moving least squares and Kriging. Arguments: N designs, n
+// inputs, outputs, workers. The counter peak_MiB is the largest resident size of the process so far, so that only the
+// growth from case to case tells.
 //
 // The searches run on the threads of the workers; all else, from the samples to the record and the report, runs on the
 // thread that calls. The counter outside_% is the processor time of that thread in percent of the wall time of the
@@ -52,6 +53,30 @@ void Build(benchmark::State& state) {
   state.counters["cop"] = cop;
   state.counters["peak_MiB"] = PeakMebibytes();
 }
+
+/// How many of the model classes compete: what a class costs is the difference to the case before.
+enum Classes : std::int64_t { kPolynomials, kMovingLeastSquares, kKriging, kAnisotropicKriging };
+
+void BuildByClasses(benchmark::State& state) {
+  const std::int64_t classes = state.range(1);
+  const bench::Problem problem = bench::MakeProblem(static_cast<std::uint32_t>(state.range(0)), 10, 1);
+  const bench::Handle handle = bench::MakePolynomialHandle(problem, 1);
+  zor_set_use_mls(handle.get(), classes >= kMovingLeastSquares ? zor_true : zor_false);
+  zor_set_use_kriging(handle.get(), classes >= kKriging ? zor_true : zor_false);
+  zor_set_use_anisotropic_kriging(handle.get(), classes >= kAnisotropicKriging ? zor_true : zor_false);
+  for (auto _ : state) {
+    if (zor_build(handle.get(), problem.samples.data(), problem.designs) != zor_success) {
+      state.SkipWithError(zor_get_last_error(handle.get()));
+      break;
+    }
+  }
+}
+
+BENCHMARK(BuildByClasses)
+    ->ArgNames({"N", "classes"})
+    ->ArgsProduct({{100, 200, 500}, {kPolynomials, kMovingLeastSquares, kKriging, kAnisotropicKriging}})
+    ->MeasureProcessCPUTime()
+    ->Unit(benchmark::kMillisecond);
 
 BENCHMARK(Build)
     ->ArgNames({"N", "n", "outputs", "workers"})

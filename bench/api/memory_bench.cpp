@@ -138,6 +138,27 @@ void SearchesAlone(benchmark::State& state) {
   });
 }
 
+/// A build with Kriging alone, for one output of 10 inputs: the counter `matrices` is the peak in units of N x N
+/// doubles. Arguments: N, and whether anisotropic Kriging competes.
+void KrigingBuild(benchmark::State& state) {
+  const auto designs = static_cast<std::uint32_t>(state.range(0));
+  const bench::Problem problem = bench::MakeProblem(designs, 10, 1);
+  CountHeap(state, [&] {
+    bench::Handle handle = bench::MakePolynomialHandle(problem, 1);
+    zor_set_use_polynomials(handle.get(), zor_false);
+    zor_set_use_kriging(handle.get(), zor_true);
+    zor_set_use_anisotropic_kriging(handle.get(), state.range(1) != 0 ? zor_true : zor_false);
+    zor_build(handle.get(), problem.samples.data(), problem.designs);
+    return handle;
+  });
+  state.counters["matrices"] = 1e6 * state.counters["peak_MB"] / (8.0 * designs * designs);
+}
+
+BENCHMARK(KrigingBuild)
+    ->ArgNames({"N", "anisotropic"})
+    ->ArgsProduct({{300, 600}, {0, 1}})
+    ->Iterations(1)
+    ->Unit(benchmark::kMillisecond);
 BENCHMARK(SearchesAlone)->Iterations(1)->Unit(benchmark::kMillisecond);
 BENCHMARK(WholeBuild)->Iterations(1)->Unit(benchmark::kMillisecond);
 

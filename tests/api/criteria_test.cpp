@@ -42,7 +42,9 @@ TEST(Expressions, AreEvaluatedToATextThatGivesTheValueAgain) {
   };
   for (const auto& [expression, value] : cases) {
     EXPECT_EQ(Evaluated(expression), value) << expression;
-    if (std::strcmp(value, "inf") != 0) EXPECT_EQ(Evaluated(value), value);
+    if (std::strcmp(value, "inf") != 0) {
+      EXPECT_EQ(Evaluated(value), value);
+    }
   }
   EXPECT_THAT(Evaluated("1 + * 2"), HasSubstr("Error while parsing"));
   EXPECT_THAT(Evaluated("z"), HasSubstr("Object \"z\" not known."));
