@@ -1,5 +1,6 @@
 #include "calculator/expression_grammar.h"
 
+#include <algorithm>
 #include <boost/spirit/include/classic_ast.hpp>
 #include <boost/spirit/include/classic_core.hpp>
 #include <charconv>
@@ -19,16 +20,18 @@ namespace {
 /// What one parse keeps beside its way through the text.
 struct ParseState {
   const wchar_t* begin = nullptr;
-  const wchar_t* furthest = nullptr;  // no rule got beyond
+  const wchar_t* furthest = nullptr;  // the token that no rule got beyond
   const std::wstring* text = nullptr;
   std::size_t depth = 0;
+
+  void Reach(const wchar_t* at) { furthest = std::max(furthest, at); }
 
   [[noreturn]] void Refuse(const std::wstring& what, const wchar_t* at) const {
     throw CExpressionPositionException(what, *text, static_cast<std::size_t>(at - begin));
   }
 };
 
-/// Walks over the marked text and notes how far any rule came.
+/// Walks over the marked text.
 class Cursor {
  public:
   using iterator_category = std::forward_iterator_tag;
@@ -42,7 +45,7 @@ class Cursor {
 
   reference operator*() const { return *at_; }
   Cursor& operator++() {
-    if (++at_ > state_->furthest) state_->furthest = at_;
+    ++at_;
     return *this;
   }
   Cursor operator++(int) {
@@ -51,7 +54,6 @@ class Cursor {
     return before;
   }
   friend bool operator==(const Cursor& a, const Cursor& b) { return a.at_ == b.at_; }
-  friend bool operator!=(const Cursor& a, const Cursor& b) { return a.at_ != b.at_; }
 
   const wchar_t* At() const { return at_; }
   ParseState& State() const { return *state_; }
@@ -146,10 +148,18 @@ using Value = math::Variant<double>;
 
 bool IsSpace(wchar_t c) { return std::iswspace(static_cast<std::wint_t>(c)) != 0; }
 
-/// Skips what iswspace takes for a space; most characters are settled without the call.
+/// Skips what iswspace takes for a space; most characters are settled without the call. It is asked before each token
+/// and notes where that begins.
 struct Space : classic::char_parser<Space> {
   using self_t = Space;
+
   static bool test(wchar_t c) { return (c <= L' ' || c > L'~') && IsSpace(c); }
+
+  template <class S>
+  typename classic::parser_result<Space, S>::type parse(const S& scan) const {
+    scan.first.State().Reach(scan.first.At());
+    return classic::char_parser<Space>::parse(scan);
+  }
 };
 
 using Factory = classic::node_iter_data_factory<Value>;
@@ -182,6 +192,61 @@ class Nested : public classic::unary<Subject, classic::parser<Nested<Subject>>> 
 template <class Subject>
 Nested<Subject> Nest(const Subject& rule) {
   return Nested<Subject>(rule);
+}
+
+/// Lets a rule try only where the text looks like it: most alternatives fail, and cheaper here than in their rule.
+template <class Subject>
+class Guarded : public classic::unary<Subject, classic::parser<Guarded<Subject>>> {
+  using Base = classic::unary<Subject, classic::parser<Guarded<Subject>>>;
+
+ public:
+  using Test = bool (*)(std::wstring_view rest);
+
+  Guarded(Test test, const Subject& subject) : Base(subject), test_(test) {}
+
+  template <class S>
+  typename classic::parser_result<Guarded, S>::type parse(const S& scan) const {
+    if (scan.at_end() || !test_({scan.first.At(), static_cast<std::size_t>(scan.last.At() - scan.first.At())})) {
+      return scan.no_match();
+    }
+    return this->subject().parse(scan);
+  }
+
+ private:
+  Test test_;
+};
+
+template <class Subject>
+Guarded<Subject> Guard(typename Guarded<Subject>::Test test, const Subject& rule) {
+  return Guarded<Subject>(test, rule);
+}
+
+using Text = std::wstring_view;  // not empty where these are asked
+
+bool IsLetter(wchar_t c) { return std::iswalpha(static_cast<std::wint_t>(c)) != 0; }
+bool IsNamePart(wchar_t c) {
+  return c == L'_' || c == L'\'' || c == L'.' || std::iswalnum(static_cast<std::wint_t>(c)) != 0;
+}
+
+bool IsNumber(Text rest) { return rest[0] == L'.' || (rest[0] >= L'0' && rest[0] <= L'9'); }
+bool IsKeyword(Text rest) { return rest[0] == L'#'; }
+bool IsMacro(Text rest) { return rest[0] == L'$'; }
+bool IsMatrix(Text rest) { return rest[0] == kMatrixOpen; }
+bool IsVector(Text rest) { return rest[0] == kVectorOpen; }
+bool IsLeading(Text rest) { return rest[0] == kLeadingVectorOpen || rest[0] == kLeadingMatrixOpen; }
+bool IsName(Text rest) { return rest[0] == L'_' || IsLetter(rest[0]); }
+
+/// What comes after the name at the front, and after spaces.
+Text AfterName(Text rest) {
+  const auto* const end_of_name = std::find_if_not(rest.begin(), rest.end(), IsNamePart);
+  const auto* const next = std::find_if_not(end_of_name, rest.end(), IsSpace);
+  return rest.substr(static_cast<std::size_t>(next - rest.begin()));
+}
+
+bool IsCall(Text rest) { return IsName(rest) && AfterName(rest).substr(0, 1) == L"("; }
+bool IsAssignment(Text rest) {
+  const Text next = IsName(rest) ? AfterName(rest).substr(0, 2) : Text();
+  return !next.empty() && next[0] == L'=' && next != L"==";
 }
 
 /// Gives the node of a number its value, rounded to the nearest double.
@@ -254,7 +319,7 @@ struct Rules {
   void DefineOperators() {
     using classic::ch_p;
     using classic::str_p;
-    expression = assign_macro | assign | greedy0;
+    expression = Guard(IsMacro, assign_macro) | Guard(IsAssignment, assign) | greedy0;
     nested_expression = Nest(expression);
     nested_greedy0 = Nest(greedy0);
     greedy0 = greedy1 >> *((str_p(L"||") | str_p(L"&&")) >> greedy1);
@@ -272,11 +337,16 @@ struct Rules {
     const auto comma = ch_p(L',');
     const auto item = !nested_greedy0;
     bracketed = Discarded(L'(') >> nested_greedy0 >> Discarded(L')');
+    const auto slice = colon >> item >> !(colon >> item);
+    const auto more_items = *(comma >> item);
+    // A first item that fails is not tried again as a second one, and so on in all brackets inside.
+    const auto items =
+        nested_greedy0 >> (slice | !comma >> item >> more_items) | !(slice | comma >> item >> more_items);
     // Brackets can be indexed, too: that is how an index is applied to what an index gives, (x[0])[1].
-    idx_object = (bracketed | operand) >>
-                 !(ch_p(static_cast<wchar_t>(kIndexOpen)) >> item >>
-                   (colon >> item >> !(colon >> item) | !comma >> item >> *(comma >> item)) >> Discarded(L']'));
-    operand = number | if_rule | switch_rule | matrix | vector | constant | macro | function | object;
+    idx_object = (bracketed | operand) >> !(ch_p(static_cast<wchar_t>(kIndexOpen)) >> items >> Discarded(L']'));
+    operand = Guard(IsNumber, number) | Guard(IsKeyword, if_rule) | Guard(IsKeyword, switch_rule) |
+              Guard(IsMatrix, matrix) | Guard(IsVector, vector) | constant | Guard(IsMacro, macro) |
+              Guard(IsCall, function) | Guard(IsName, object);
     if_rule = Keyword(L"#if") >> nested_greedy0 >> (Keyword(L"#then") | Discarded(L':')) >> nested_greedy0 >>
               Keyword(L"#else") >> nested_greedy0;
     switch_rule = Keyword(L"#switch") >> nested_greedy0 >> !Discarded(L':') >>
@@ -287,7 +357,7 @@ struct Rules {
   void DefineLiterals() {
     using classic::ch_p;
     const auto open = [](EBracketMark mark) { return ch_p(static_cast<wchar_t>(mark)); };
-    const auto element = !(leading_matrix | leading_vector) >> nested_expression;
+    const auto element = !(Guard(IsLeading, leading_matrix) | Guard(IsLeading, leading_vector)) >> nested_expression;
     const auto elements = element >> *(Discarded(L',') >> element) >> Discarded(L']');
     const auto row = !leading_matrix >> vector;
     const auto rows = row >> *(Discarded(L',') >> row) >> Discarded(L']');

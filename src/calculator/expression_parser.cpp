@@ -195,7 +195,7 @@ std::shared_ptr<const Expression> ParseExpression(std::wstring text) {
 }
 
 bool IsObjectId(std::wstring_view text) {
-  if (text.empty() || text.size() > kMaximalTextLength) return false;
+  if (text.empty()) return false;
   try {
     const SyntaxNode root = ParseSyntax(text, std::wstring(text), EStart::kObject);
     return root.rule == ERule::kObject && root.begin == 0 && root.end == text.size();

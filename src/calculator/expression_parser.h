@@ -16,8 +16,8 @@ inline constexpr std::size_t kMaximalNesting = 100;
 
 /// Parses a text by the rules of the grammar (expression_grammar.cpp), in a time that grows with its length and not
 /// with the depth. May be called from several threads. Raises CExpressionPositionException: "Error while parsing" with
-/// the position that no rule could get beyond (the opening bracket, if one is not closed), "Expression too long",
-/// "Expression nested too deeply", "Number out of range".
+/// the position of the token that no rule could get beyond (the opening bracket, if one is not closed), "Expression too
+/// long", "Expression nested too deeply", "Number out of range".
 std::shared_ptr<const Expression> ParseExpression(std::wstring text);
 
 /// True if the whole text, without skipping spaces, is what the rule object accepts.
