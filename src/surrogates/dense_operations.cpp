@@ -11,6 +11,14 @@ using MatrixRef = Eigen::Ref<Matrix>;
 constexpr Index kBlock = 64;
 constexpr Index kSolvedTogether = 256;  // right-hand sides between two points where a stop takes effect
 
+constexpr Index kPiece = 16;
+using Piece = Eigen::Array<double, kPiece, 1>;
+
+void ReplacePiece(Piece& piece, double least) {
+  piece = piece.exp();
+  for (double& value : piece) value = value < least ? 0.0 : value;
+}
+
 }  // namespace
 
 // A block of columns after the other, each taken out of the rest by one product.
@@ -76,16 +84,20 @@ void SquareLower(MatrixRef V, const utils::StopHelper* stop) {
 // In pieces of a fixed size, also at the end: the ends of longer arrays are not vectorised, and there exp rounds
 // otherwise.
 void ReplaceByExponentials(Eigen::Ref<Vector> exponents, double least) {
-  constexpr Index kPiece = 16;
-  using Piece = Eigen::Array<double, kPiece, 1>;
-  for (Index first = 0; first < exponents.size(); first += kPiece) {
-    const Index size = std::min(kPiece, exponents.size() - first);
-    auto part = exponents.segment(first, size).array();
-    Piece piece = Piece::Zero();
-    piece.head(size) = part;
-    piece = piece.exp();
-    part = (piece.head(size) < least).select(0.0, piece.head(size));
+  Piece piece;
+  const Index in_whole_pieces = exponents.size() - exponents.size() % kPiece;
+  for (Index first = 0; first < in_whole_pieces; first += kPiece) {
+    auto part = exponents.segment<kPiece>(first).array();
+    piece = part;
+    ReplacePiece(piece, least);
+    part = piece;
   }
+  auto rest = exponents.tail(exponents.size() - in_whole_pieces).array();
+  if (rest.size() == 0) return;
+  piece.setZero();
+  piece.head(rest.size()) = rest;
+  ReplacePiece(piece, least);
+  rest = piece.head(rest.size());
 }
 
 }  // namespace kestrel::math::metamodel
