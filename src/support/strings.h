@@ -51,8 +51,10 @@ namespace detail {
 
 /// True if the name may be given to an input or an output: a letter or '_', then letters, digits, '_', ''' or '.',
 /// and not the word "if" in any case. Letters and digits are those of the process locale's `iswalpha` and `iswalnum`:
-/// in the C locale, in which a program starts, only the ASCII ones count. Never throws.
-/// @param strict  also refuses the reserved words of the expression language (`PI`, `LINEAR`, ...), in this case only.
+/// in the C locale, in which a program starts, only the ASCII ones count. Never throws. This is the rule for objects of
+/// the expression language, `CCalculator::IsObjectIdValid`, which needs a calculator and takes longer.
+/// @param strict  also refuses the reserved words of the expression language (`PI`, `LINEAR`, ...), in this case only:
+///                the names of its constants but `E` and `I`.
 bool CheckVariableNameDefault(std::wstring_view name, bool strict) noexcept;
 
 }  // namespace detail
