@@ -82,17 +82,21 @@ void CalculateCriteria(RunInfoMeta& run_info, const CDesignEntrySequence& parame
   Messages messages;
   AddObjects(calculator, parameters, messages);
   AddObjects(calculator, responses, messages);
+  // A criterion is an object, too, unless something else has its name or no object can have it.
+  const auto becomes_object = [&](const std::wstring& name) {
+    return !parameters.Contains(name) && !responses.Contains(name) && calculator.IsObjectIdValid(name, true);
+  };
+  for (const auto& [name, criterion] : criteria) {
+    if (becomes_object(name)) calculator.RemoveObject(name.str());  // the value of an earlier design
+  }
   bool has_failed = false;
   for (const auto& [shared_name, described] : criteria) {
     const std::wstring& name = shared_name;
     Criterion& criterion = criteria[name];
     criterion.SetValues({}, {}, {}, false);
-    const bool is_free = !parameters.Contains(name) && !responses.Contains(name);
-    const bool is_object = is_free && calculator.IsObjectIdValid(name, true);
-    if (is_object) calculator.RemoveObject(name);  // of an earlier design
     if (!Tell(messages, L"Criterion " + name, [&] { EvaluateCriterion(criterion, calculator); })) {
       has_failed = true;
-    } else if (is_object) {
+    } else if (becomes_object(name)) {
       AddObject(calculator, name, criterion.GetValue(), messages);
     }
   }
