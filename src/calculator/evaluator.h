@@ -10,10 +10,10 @@ namespace kestrel::calculator {
 
 /// Nodes, objects and macros stand in each other up to this depth in one evaluation.
 inline constexpr std::size_t kMaximalDepth = 1000;
-/// What one evaluation may cost: kNodeWork for each node, and 1 for each entry of a value that it makes. That is 0.3 s
-/// of nodes, 1 s of sums or 3 s of powers of long vectors, and 1.6 GB of values, if the functions that are called take
-/// a time in proportion to their results.
-inline constexpr std::size_t kMaximalWork = 100'000'000;
+/// What one evaluation may cost: kNodeWork for each node, and 1 for each entry of a value that it makes. That is 0.1 s
+/// of nodes, 0.3 s of sums or 0.8 s of powers of long vectors, and 0.4 GB of values, if the functions that are called
+/// take a time in proportion to their results.
+inline constexpr std::size_t kMaximalWork = 25'000'000;
 inline constexpr std::size_t kNodeWork = 50;
 
 inline constexpr std::size_t kMaximalObjects = 100'000;

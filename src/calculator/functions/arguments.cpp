@@ -91,4 +91,10 @@ void RequireEntries(std::size_t rows, std::size_t columns) {
   throw CCalculatorException(L"The result would have more than " + std::to_wstring(kMaximalEntries) + L" entries.");
 }
 
+void RequireOperations(std::size_t a, std::size_t b, std::size_t c) {
+  constexpr double kMaximalOperations = 1e9;
+  const double operations = static_cast<double>(a) * static_cast<double>(b) * static_cast<double>(c);
+  if (operations > kMaximalOperations) throw CCalculatorException(L"The result would take too many operations.");
+}
+
 }  // namespace kestrel::calculator

@@ -32,6 +32,10 @@ std::vector<double> GetReals(const Arguments& arguments, std::size_t index);
 /// Raises CCalculatorException if a result of rows x columns entries would exceed kMaximalEntries.
 void RequireEntries(std::size_t rows, std::size_t columns = 1);
 
+/// Raises CCalculatorException if a function would take more than a billion multiplications, half a second or more.
+/// @param a, b, c  whose product is their number, such as the sizes of a product of matrices.
+void RequireOperations(std::size_t a, std::size_t b, std::size_t c);
+
 /// "Argument 2: " and the text.
 [[noreturn]] void RefuseArgument(std::size_t index, const std::wstring& text);
 

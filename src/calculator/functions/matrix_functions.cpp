@@ -96,6 +96,7 @@ Dense<Scalar> Invert(Dense<Scalar> matrix) {
 Value InvertMatrix(const Arguments& arguments, FunctionContext&) {
   const Numbers numbers(arguments, 0);
   RequireSquare(numbers);
+  RequireOperations(numbers.Rows(), numbers.Rows(), numbers.Rows());
   return WithScalarOf(numbers, [&](auto scalar) {
     const auto inverse = Invert(ToDense<decltype(scalar)>(numbers));
     return numbers.IsScalar() ? Value(Complex(inverse(0, 0))) : ToMatrix(inverse);
@@ -119,6 +120,7 @@ Value LuPart(const Dense<Scalar>& matrix, long part) {
 Value LuFactorize(const Arguments& arguments, FunctionContext&) {
   const Numbers numbers(arguments, 0);
   RequireSquare(numbers);
+  RequireOperations(numbers.Rows(), numbers.Rows(), numbers.Rows());
   const long part = GetIntegerOr(arguments, 1, kPacked, kPermutation, kPacked);
   return WithScalarOf(numbers, [&](auto scalar) { return LuPart(ToDense<decltype(scalar)>(numbers), part); });
 }
@@ -158,6 +160,7 @@ Value MatrixProduct(const Arguments& arguments, FunctionContext&) {
     RefuseArgument(1, L"It is to have as many rows as the first argument has columns.");
   }
   RequireEntries(a.Rows(), b_is_column ? 1 : b.Columns());
+  RequireOperations(a.Rows(), a.Columns(), b_is_column ? 1 : b.Columns());
   return WithScalarOf(a, b, [&](auto scalar) {
     using Scalar = decltype(scalar);
     const Dense<Scalar> product = ToDense<Scalar>(a) * ToDense<Scalar>(b, true);

@@ -18,7 +18,10 @@ Value CompareModes(const Arguments& arguments, bool in_pairs, Measure measure) {
   const auto freedoms = [](const Numbers& n) { return n.Kind() <= Value::VECTOR ? n.Size() : n.Rows(); };
   if (freedoms(a) != freedoms(b)) RefuseArgument(1, L"It is to have as many degrees of freedom as the first argument.");
   if (in_pairs && modes(a) != modes(b)) RefuseArgument(1, L"It is to have as many modes as the first argument.");
-  if (!in_pairs) RequireEntries(modes(a), modes(b));
+  if (!in_pairs) {
+    RequireEntries(modes(a), modes(b));
+    RequireOperations(modes(a), freedoms(a), modes(b));
+  }
   return WithScalarOf(a, b, [&](auto scalar) {
     using Scalar = decltype(scalar);
     return measure(ToDense<Scalar>(a, true), ToDense<Scalar>(b, true));

@@ -3,6 +3,8 @@
 #include <Eigen/QR>
 #include <algorithm>
 
+#include "calculator/functions/arguments.h"
+
 namespace kestrel::calculator {
 namespace {
 
@@ -30,6 +32,7 @@ void SmoothByPolynomials(Column samples, Index reach, Index degree) {
   const math::Vector original = samples;
   const Index size = original.size();
   const Index window = 2 * reach + 1;
+  RequireOperations(static_cast<std::size_t>(size), static_cast<std::size_t>(window), 1);
   const math::Vector inner = FitWeights(window, reach, degree);
   for (Index i = 0; i < size; ++i) {
     const Index first = std::max<Index>(0, i - reach);

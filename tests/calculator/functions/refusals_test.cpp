@@ -111,6 +111,16 @@ TEST(Functions, RefuseResultsThatAreTooLarge) {
   EXPECT_EQ(Refusal(L"matrix", parts), kTooLarge);
 }
 
+TEST(Functions, RefuseWhatWouldTakeTooLong) {
+  const Value large(Value::MatrixType(1001, 1001));
+  for (const wchar_t* const name : {L"invert", L"lufactorize"}) {
+    EXPECT_EQ(Refusal(name, {large}), "The result would take too many operations.") << string::narrow(name);
+  }
+  for (const wchar_t* const name : {L"matrixmult", L"mac", L"modepairs"}) {
+    EXPECT_EQ(Refusal(name, {large, large}), "The result would take too many operations.") << string::narrow(name);
+  }
+}
+
 /// The same value with its mark of complex content set anew.
 Value MarkAnew(const Value& value) {
   switch (value.GetKind()) {
