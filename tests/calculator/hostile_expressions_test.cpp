@@ -1,7 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <chrono>
-
 #include "calculator/expression_parser.h"
 #include "calculator/test_functions.h"
 #include "support/strings.h"
@@ -18,15 +16,13 @@ std::wstring Repeat(const std::wstring& text, std::size_t count) {
 /// Fills texts of up to the longest length.
 std::wstring Fill(const std::wstring& text) { return Repeat(text, kMaximalTextLength / text.size()); }
 
-/// The failure of an evaluation, which must come soon: seconds are those of a slow build.
-std::wstring SoonFailureOf(Calculator& calculator, const std::wstring& text) {
-  const auto start = std::chrono::steady_clock::now();
+/// The failure without its place. What would never end, or take all memory, ends the whole test.
+std::wstring FailureKindOf(Calculator& calculator, const std::wstring& text) {
   const std::wstring failure = FailureOf(calculator, text);
-  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(20)) << string::narrow(text.substr(0, 60));
   return failure.substr(0, failure.find(L" at character"));
 }
 
-TEST(HostileExpressions, AreRefusedSoon) {
+TEST(HostileExpressions, AreRefused) {
   const std::wstring not_parsed = L"Error while parsing";
   const std::wstring too_long = L"Expression too long";
   const std::wstring too_deep = L"Expression nested too deeply";
@@ -63,35 +59,35 @@ TEST(HostileExpressions, AreRefusedSoon) {
   };
   for (const auto& c : cases) {
     Calculator calculator = MakeCalculator();
-    EXPECT_EQ(SoonFailureOf(calculator, c.text), c.failure) << string::narrow(c.text.substr(0, 60));
+    EXPECT_EQ(FailureKindOf(calculator, c.text), c.failure) << string::narrow(c.text.substr(0, 60));
   }
 }
 
 TEST(HostileExpressions, LongOnesWithAMeaningWork) {
   Calculator calculator = MakeCalculator();
-  EXPECT_EQ(SoonFailureOf(calculator, L"1" + Repeat(L"+1", 49'000)), L"");
-  EXPECT_EQ(SoonFailureOf(calculator, L"[1" + Repeat(L",1", 49'000) + L"]"), L"");
-  EXPECT_EQ(SoonFailureOf(calculator, Repeat(L"(", 99) + L"1" + Repeat(L"+1", 49'000) + Repeat(L")", 99)), L"");
-  EXPECT_EQ(SoonFailureOf(calculator, Repeat(L"count(", 99) + L"1" + Repeat(L"+1", 49'000) + Repeat(L")", 99)), L"");
-  EXPECT_EQ(SoonFailureOf(calculator, Fill(L"a=") + L""), L"Error while parsing");
-  EXPECT_EQ(SoonFailureOf(calculator, Repeat(L"a=", 49'000) + L"1"), L"");
-  EXPECT_EQ(SoonFailureOf(calculator, Repeat(L" ", 99'000) + L"1"), L"");
+  EXPECT_EQ(FailureKindOf(calculator, L"1" + Repeat(L"+1", 49'000)), L"");
+  EXPECT_EQ(FailureKindOf(calculator, L"[1" + Repeat(L",1", 49'000) + L"]"), L"");
+  EXPECT_EQ(FailureKindOf(calculator, Repeat(L"(", 99) + L"1" + Repeat(L"+1", 49'000) + Repeat(L")", 99)), L"");
+  EXPECT_EQ(FailureKindOf(calculator, Repeat(L"count(", 99) + L"1" + Repeat(L"+1", 49'000) + Repeat(L")", 99)), L"");
+  EXPECT_EQ(FailureKindOf(calculator, Fill(L"a=") + L""), L"Error while parsing");
+  EXPECT_EQ(FailureKindOf(calculator, Repeat(L"a=", 49'000) + L"1"), L"");
+  EXPECT_EQ(FailureKindOf(calculator, Repeat(L" ", 99'000) + L"1"), L"");
 }
 
 TEST(HostileExpressions, EvaluationsEnd) {
   Calculator calculator = MakeCalculator();
   const std::wstring too_deep = L"The evaluation is nested too deeply.";
   Evaluate(calculator, L"$Endless(x) = $Endless(x) + 1");
-  EXPECT_EQ(SoonFailureOf(calculator, L"$Endless(1)"), too_deep);
+  EXPECT_EQ(FailureKindOf(calculator, L"$Endless(1)"), too_deep);
   Evaluate(calculator, L"$Growing(x) = $Growing(x + x)");
-  EXPECT_EQ(SoonFailureOf(calculator, L"$Growing(1)"), L"Expression too long");
+  EXPECT_EQ(FailureKindOf(calculator, L"$Growing(1)"), L"Expression too long");
   Evaluate(calculator, L"$M0() = 1");
   for (int i = 1; i <= 60; ++i) {
     const std::wstring before = L"$M" + std::to_wstring(i - 1) + L"()";
     Evaluate(calculator, L"$M" + std::to_wstring(i) + L"() = " + before + L" + " + before);
   }
-  EXPECT_EQ(SoonFailureOf(calculator, L"$M60()"), L"The evaluation takes too many operations.");
-  EXPECT_EQ(SoonFailureOf(calculator, L"calculate(\"1\")" + Repeat(L"+linspace(0,1,1e6)", 200)),
+  EXPECT_EQ(FailureKindOf(calculator, L"$M60()"), L"The evaluation takes too many operations.");
+  EXPECT_EQ(FailureKindOf(calculator, L"calculate(\"1\")" + Repeat(L"+linspace(0,1,1e6)", 200)),
             L"The evaluation takes too many operations.");
 }
 
@@ -103,7 +99,7 @@ TEST(HostileExpressions, ChainsOfObjectsEnd) {
     calculator.AddObject(L"o" + std::to_wstring(i), L"o" + std::to_wstring(i - 1) + L" + 1", Value());
   }
   EXPECT_TRUE(calculator.EvalObject(L"o200") == Scalar(201));
-  EXPECT_EQ(SoonFailureOf(calculator, L"o" + std::to_wstring(kLength)), L"The evaluation is nested too deeply.");
+  EXPECT_EQ(FailureKindOf(calculator, L"o" + std::to_wstring(kLength)), L"The evaluation is nested too deeply.");
   EXPECT_FALSE(calculator.HasCircularDependencies(L"o" + std::to_wstring(kLength)));
   calculator.AddObject(L"o0", L"o" + std::to_wstring(kLength), Value());
   EXPECT_TRUE(calculator.HasCircularDependencies(L"o5"));
