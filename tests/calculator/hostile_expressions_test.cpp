@@ -65,12 +65,12 @@ TEST(HostileExpressions, AreRefused) {
 
 TEST(HostileExpressions, LongOnesWithAMeaningWork) {
   Calculator calculator = MakeCalculator();
-  EXPECT_EQ(FailureKindOf(calculator, L"1" + Repeat(L"+1", 49'000)), L"");
-  EXPECT_EQ(FailureKindOf(calculator, L"[1" + Repeat(L",1", 49'000) + L"]"), L"");
-  EXPECT_EQ(FailureKindOf(calculator, Repeat(L"(", 99) + L"1" + Repeat(L"+1", 49'000) + Repeat(L")", 99)), L"");
-  EXPECT_EQ(FailureKindOf(calculator, Repeat(L"count(", 99) + L"1" + Repeat(L"+1", 49'000) + Repeat(L")", 99)), L"");
+  EXPECT_EQ(FailureKindOf(calculator, L"1" + Repeat(L"+1", 20'000)), L"");
+  EXPECT_EQ(FailureKindOf(calculator, L"[1" + Repeat(L",1", 20'000) + L"]"), L"");
+  EXPECT_EQ(FailureKindOf(calculator, Repeat(L"(", 99) + L"1" + Repeat(L"+1", 20'000) + Repeat(L")", 99)), L"");
+  EXPECT_EQ(FailureKindOf(calculator, Repeat(L"count(", 99) + L"1" + Repeat(L"+1", 20'000) + Repeat(L")", 99)), L"");
   EXPECT_EQ(FailureKindOf(calculator, Fill(L"a=") + L""), L"Error while parsing");
-  EXPECT_EQ(FailureKindOf(calculator, Repeat(L"a=", 49'000) + L"1"), L"");
+  EXPECT_EQ(FailureKindOf(calculator, Repeat(L"a=", 20'000) + L"1"), L"");
   EXPECT_EQ(FailureKindOf(calculator, Repeat(L" ", 99'000) + L"1"), L"");
 }
 
