@@ -81,11 +81,15 @@ void Describe(const kestrel::calculator::CCalculatorFunctionInfoObject& info, st
 }  // namespace
 
 uint32_t zor_add_criterion(zor_handle_t handle, const char* name, uint32_t type, const char* left, const char* right) {
-  return GuardedResult(handle, [&](ZOR& record) { return AddCriterion(record, Wide(name), type, left, right); });
+  return GuardedResult(handle, [&](ZOR& record) {
+    const boost::shared_lock_guard<boost::shared_mutex> lock(record.mutex_);
+    return AddCriterion(record, Wide(name), type, left, right);
+  });
 }
 
 uint32_t zor_clear_criteria(zor_handle_t handle) {
   return GuardedResult(handle, [&](ZOR& record) {
+    const boost::shared_lock_guard<boost::shared_mutex> lock(record.mutex_);
     record.zorsolver_.SetCriteria({});
     return zor_success;
   });
