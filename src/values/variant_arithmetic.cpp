@@ -2,7 +2,6 @@
 #include <boost/numeric/ublas/matrix.hpp>
 #include <boost/numeric/ublas/vector.hpp>
 #include <cmath>
-#include <functional>
 
 #include "values/variant.h"
 
@@ -102,12 +101,17 @@ Complex Remainder(const Complex& a, const Complex& b) {
   return {std::fmod(a.real(), b.real()), 0.0};
 }
 
+// The principal value; of a negative real base the one above the cut, whatever the sign of its imaginary zero.
 Complex RaiseToPower(const Complex& base, const Complex& exponent) {
-  if (!AreReal(base, exponent)) return std::pow(base, exponent);
+  const Complex above(base.real(), base.imag() + 0.0);
+  if (!AreReal(base, exponent)) return std::pow(above, exponent);
   const double power = std::pow(base.real(), exponent.real());
   const bool exists = !std::isnan(power) || std::isnan(base.real()) || std::isnan(exponent.real());
-  return exists ? Complex(power) : std::pow(base, exponent);
+  return exists ? Complex(power) : std::pow(above, exponent);
 }
+
+// The imaginary part of a real number stays 0, not -0, which would put it below the cuts of the functions.
+Complex Negate(const Complex& a) { return {-a.real(), 0.0 - a.imag()}; }
 
 }  // namespace
 
@@ -117,7 +121,7 @@ Value operator*(const Value& left, const Value& right) { return Combine(left, ri
 Value operator/(const Value& left, const Value& right) { return Combine(left, right, &Divide); }
 Value operator%(const Value& left, const Value& right) { return Combine(left, right, &Remainder); }
 Value Power(const Value& base, const Value& exponent) { return Combine(base, exponent, &RaiseToPower); }
-Value operator-(const Value& value) { return Map(value, std::negate<Complex>()); }
+Value operator-(const Value& value) { return Map(value, &Negate); }
 
 bool IsTrue(const Value& value) {
   if (!IsScalarLike(value)) throw CTypeException(L"Input object not of type BOOLEAN.");
