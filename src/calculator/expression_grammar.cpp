@@ -228,6 +228,10 @@ bool IsNamePart(wchar_t c) {
   return c == L'_' || c == L'\'' || c == L'.' || std::iswalnum(static_cast<std::wint_t>(c)) != 0;
 }
 
+template <wchar_t... kFirst>
+bool IsOneOf(Text rest) {
+  return ((rest[0] == kFirst) || ...);
+}
 bool IsNumber(Text rest) { return rest[0] == L'.' || (rest[0] >= L'0' && rest[0] <= L'9'); }
 bool IsKeyword(Text rest) { return rest[0] == L'#'; }
 bool IsMacro(Text rest) { return rest[0] == L'$'; }
@@ -322,13 +326,14 @@ struct Rules {
     expression = Guard(IsMacro, assign_macro) | Guard(IsAssignment, assign) | greedy0;
     nested_expression = Nest(expression);
     nested_greedy0 = Nest(greedy0);
-    greedy0 = greedy1 >> *((str_p(L"||") | str_p(L"&&")) >> greedy1);
-    greedy1 =
-        greedy2 >> *((str_p(L"<=") | str_p(L">=") | ch_p(L'<') | ch_p(L'>') | str_p(L"==") | str_p(L"!=")) >> greedy2);
-    greedy2 = greedy3 >> *((ch_p(L'+') | ch_p(L'-')) >> greedy3);
-    greedy3 = unary >> *((ch_p(L'*') | ch_p(L'/') | ch_p(L'%')) >> unary);
-    unary = !(ch_p(L'!') | ch_p(L'-')) >> greedy4;
-    greedy4 = idx_object >> *((ch_p(L'^') | str_p(L"**")) >> idx_object);
+    const auto logical = str_p(L"||") | str_p(L"&&");
+    const auto comparison = str_p(L"<=") | str_p(L">=") | ch_p(L'<') | ch_p(L'>') | str_p(L"==") | str_p(L"!=");
+    greedy0 = greedy1 >> *(Guard(&IsOneOf<L'|', L'&'>, logical) >> greedy1);
+    greedy1 = greedy2 >> *(Guard(&IsOneOf<L'<', L'>', L'=', L'!'>, comparison) >> greedy2);
+    greedy2 = greedy3 >> *(Guard(&IsOneOf<L'+', L'-'>, ch_p(L'+') | ch_p(L'-')) >> greedy3);
+    greedy3 = unary >> *(Guard(&IsOneOf<L'*', L'/', L'%'>, ch_p(L'*') | ch_p(L'/') | ch_p(L'%')) >> unary);
+    unary = !Guard(&IsOneOf<L'!', L'-'>, ch_p(L'!') | ch_p(L'-')) >> greedy4;
+    greedy4 = idx_object >> *(Guard(&IsOneOf<L'^', L'*'>, ch_p(L'^') | str_p(L"**")) >> idx_object);
   }
 
   void DefineOperands() {
