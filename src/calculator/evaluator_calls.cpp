@@ -76,7 +76,7 @@ OperandValue Evaluator::EvaluateMacro(const Node& node) {
   }
   std::vector<std::wstring> arguments;
   for (auto child = node.children.begin() + 1; child != node.children.end(); ++child) {
-    arguments.push_back(TextOf(*child));
+    arguments.emplace_back(expression_->WrittenTextOf(*child));
   }
   const auto body = state_.expressions.Get(stored->macro.expression);
   const auto mapped = state_.expressions.Get(MapMacroExpression(stored->macro, *body, arguments));
@@ -96,7 +96,7 @@ OperandValue Evaluator::Assign(const Node& node) {
   for (auto child = node.children.begin(); child + 1 != node.children.end(); ++child) targets.push_back(TextOf(*child));
   for (const std::wstring& target : targets) RequireAssignable(target);
 
-  const std::wstring text = TextOf(node.children.back());
+  const std::wstring text(expression_->WrittenTextOf(node.children.back()));
   OperandValue value = EvaluateNode(node.children.back());
   const auto expression = state_.expressions.Get(text);
   for (const std::wstring& target : targets) RequireNoCircle(state_, *expression, target);
@@ -118,7 +118,7 @@ OperandValue Evaluator::AssignMacro(const Node& node) {
     macro.arguments.push_back(TextOf(*child));
   }
   RequireDistinct(macro.arguments);
-  macro.expression = TextOf(node.children.back());
+  macro.expression = expression_->WrittenTextOf(node.children.back());
   StoreMacro(state_, macro);
   return OperandValue(Value());
 }

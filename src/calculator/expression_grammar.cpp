@@ -253,6 +253,13 @@ bool IsAssignment(Text rest) {
   return !next.empty() && next[0] == L'=' && next != L"==";
 }
 
+/// Of a number out of the range of double: whether it is too small and not too large.
+bool RoundsToZero(const std::string& digits) {
+  long double number = 1.0L;
+  std::from_chars(digits.data(), digits.data() + digits.size(), number);
+  return number < 1.0L;
+}
+
 /// Gives the node of a number its value, rounded to the nearest double.
 struct ReadNumber {
   void operator()(TreeNode& node, const Cursor& begin, const Cursor& end) const {
@@ -261,7 +268,7 @@ struct ReadNumber {
     const std::string digits(first, end.At());  // the rule lets ASCII pass only
     double number = 0.0;
     const auto result = std::from_chars(digits.data(), digits.data() + digits.size(), number);
-    if (result.ec != std::errc()) begin.State().Refuse(L"Number out of range", first);
+    if (result.ec != std::errc() && !RoundsToZero(digits)) begin.State().Refuse(L"Number out of range", first);
     node.value.value(Value(number, 0.0));
   }
 };

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cwctype>
 #include <utility>
 
 #include "calculator/bracket_scan.h"
@@ -10,6 +11,8 @@
 
 namespace kestrel::calculator {
 namespace {
+
+bool IsSpace(wchar_t c) { return std::iswspace(static_cast<std::wint_t>(c)) != 0; }
 
 constexpr auto kLastCharacter = static_cast<wchar_t>(0x10FFFF);
 
@@ -135,7 +138,8 @@ class TreeBuilder {
         node.children.push_back(Build(child));
         continue;
       }
-      if (after_separator != 0 && node.children.size() > 1) Span(node.children.back(), after_separator, child.begin);
+      if (after_separator != 0 && node.children.size() > 1)
+        SetWritten(node.children.back(), after_separator, child.begin);
       if (FirstOf(child) != L'$') after_separator = child.end;
     }
     return node;
@@ -145,15 +149,16 @@ class TreeBuilder {
   Node BuildAssignment(const SyntaxNode& syntax) const {
     Node node = BuildPlain(syntax);
     const auto last_sign = std::find_if(syntax.children.rbegin(), syntax.children.rend(), &IsPunctuation);
-    Span(node.children.back(), last_sign->end, syntax.end);
+    SetWritten(node.children.back(), last_sign->end, syntax.end);
     return node;
   }
 
-  void Span(Node& node, std::size_t begin, std::size_t end) const {
-    constexpr auto kSpaces = L" \t\r\n\v\f";
-    const auto within = text_.substr(begin, end - begin);
-    node.begin = begin + std::min(within.find_first_not_of(kSpaces), within.size());
-    node.end = begin + std::min(within.find_last_not_of(kSpaces) + 1, within.size());
+  /// Keeps the text from begin to end, without the spaces around it, as what was written for the node.
+  void SetWritten(Node& node, std::size_t begin, std::size_t end) const {
+    while (begin != end && IsSpace(text_[begin])) ++begin;
+    while (begin != end && IsSpace(text_[end - 1])) --end;
+    node.written_begin = begin;
+    node.written_end = end;
   }
 
   std::wstring_view text_;

@@ -78,7 +78,9 @@ struct Node {
   EOperator joined_by = EOperator::kNone;
   std::size_t begin = 0;  ///< of the text that it stands for, in characters of the whole text
   std::size_t end = 0;
-  double number = 0.0;  ///< of a number
+  double number = 0.0;            ///< of a number
+  std::size_t written_begin = 0;  ///< of an argument or a right side: the same with the brackets around it
+  std::size_t written_end = 0;
   std::vector<Node> children;
 };
 
@@ -91,6 +93,10 @@ struct Expression {
 
   std::wstring_view TextOf(const Node& node) const {
     return std::wstring_view(text).substr(node.begin, node.end - node.begin);
+  }
+  /// All that stands between the separators of an argument, or behind the sign of an assignment.
+  std::wstring_view WrittenTextOf(const Node& node) const {
+    return std::wstring_view(text).substr(node.written_begin, node.written_end - node.written_begin);
   }
 };
 

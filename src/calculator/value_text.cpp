@@ -10,6 +10,10 @@ namespace kestrel::calculator {
 namespace {
 
 void AppendReal(double number, std::wstring& text) {
+  if (std::isnan(number)) {  // whatever its sign
+    text += L"nan";
+    return;
+  }
   std::array<char, 32> digits{};  // the longest double has 24
   const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), number).ptr;
   text.append(digits.data(), end);

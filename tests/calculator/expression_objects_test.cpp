@@ -124,6 +124,27 @@ TEST(CalculatorObjects, CirclesAreDenied) {
   EXPECT_THROW(calculator.HasCircularDependencies(L"nobody"), CCalculatorObjectUnknownException);
 }
 
+TEST(CalculatorObjects, AreTheSameInBrackets) {
+  Calculator calculator = MakeCalculator();
+  calculator.AddObject(L"a", L"", Scalar(4));
+  Evaluate(calculator, L"$H(x) = sqrt((x)) + 1");
+  const struct {
+    const wchar_t* text;
+    double value;
+  } cases[] = {{L"sqrt((a))", 2},    {L"sqrt( ( ( a ) ) )", 2}, {L"$H((a))", 3},
+               {L"abs((@TRUE))", 1}, {L"b = (a)", 4},           {L"count((a), ((a)))", 2}};
+  for (const auto& c : cases) {
+    const Value value = Evaluate(calculator, c.text);
+    EXPECT_TRUE(value == Scalar(c.value)) << string::narrow(c.text);
+  }
+  Evaluate(calculator, L"d = $H((a))");
+  EXPECT_EQ(TextOf(calculator, L"b"), L"(a)");
+  EXPECT_THROW(Evaluate(calculator, L"a = d"), CCircularDependencyException);
+  calculator.AddObject(L"a", L"", Scalar(9));
+  EXPECT_TRUE(calculator.EvalObject(L"d") == Scalar(4));
+  EXPECT_EQ(calculator.ReplaceObjectIds(L"a + sqrt((a))", {{L"a", L"xyz"}}), L"xyz + sqrt((xyz))");
+}
+
 /// A caller can add what assignments deny.
 TEST(CalculatorObjects, CirclesOfAddedObjectsAreFound) {
   Calculator calculator = MakeCalculator();

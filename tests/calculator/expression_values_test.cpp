@@ -34,6 +34,7 @@ TEST(ExpressionValues, Numbers) {
                 {L"1e-3", Scalar(0.001)},
                 {L"2.5E+2", Scalar(250)},
                 {L"0.123456789012345678", Scalar(0.123456789012345678)},
+                {L"1e-400", Scalar(0)},
                 {L"\t(\n1 )", Scalar(1)}});
 }
 
