@@ -3,6 +3,7 @@
 #include <exception>
 #include <list>
 #include <string>
+#include <unordered_set>
 #include <utility>
 
 #include "support/strings.h"
@@ -56,6 +57,16 @@ void AddObjects(Calculator& calculator, const CDesignEntrySequence& entries, Mes
   for (const auto& [name, entry] : entries) AddObject(calculator, name, entry, messages);
 }
 
+using NameSet = std::unordered_set<const std::wstring*>;  // equal names share one text: its address tells
+
+NameSet NamesOf(const CDesignEntrySequence& parameters, const CDesignEntrySequence& responses) {
+  NameSet names;
+  names.reserve(parameters.size() + responses.size());
+  for (const auto& pair : parameters) names.insert(&pair.first.str());
+  for (const auto& pair : responses) names.insert(&pair.first.str());
+  return names;
+}
+
 /// A side of a criterion, or the expression of a parameter.
 Value Evaluate(Calculator& calculator, const std::wstring& expression) {
   return calculator.Eval<calculator::evaluation_traits::by_value>(expression);
@@ -83,23 +94,22 @@ void CalculateCriteria(RunInfoMeta& run_info, const CDesignEntrySequence& parame
   AddObjects(calculator, parameters, messages);
   AddObjects(calculator, responses, messages);
   // A criterion is an object, too, unless something else has its name or no object can have it.
-  const auto becomes_object = [&](const std::wstring& name) {
-    return !parameters.Contains(name) && !responses.Contains(name) && calculator.IsObjectIdValid(name, true);
+  const NameSet taken = NamesOf(parameters, responses);
+  const auto becomes_object = [&](const SharedName& name) {
+    return taken.count(&name.str()) == 0 && calculator.IsObjectIdValid(name.str(), true);
   };
-  for (const auto& [name, criterion] : criteria) {
-    if (becomes_object(name)) calculator.RemoveObject(name.str());  // the value of an earlier design
+  for (const auto& pair : criteria) {
+    if (becomes_object(pair.first)) calculator.RemoveObject(pair.first.str());  // the value of an earlier design
   }
   bool has_failed = false;
-  for (const auto& [shared_name, described] : criteria) {
-    const std::wstring& name = shared_name;
-    Criterion& criterion = criteria[name];
+  criteria.ForEach([&](const SharedName& name, Criterion& criterion) {
     criterion.SetValues({}, {}, {}, false);
-    if (!Tell(messages, L"Criterion " + name, [&] { EvaluateCriterion(criterion, calculator); })) {
+    if (!Tell(messages, L"Criterion " + name.str(), [&] { EvaluateCriterion(criterion, calculator); })) {
       has_failed = true;
     } else if (becomes_object(name)) {
       AddObject(calculator, name, criterion.GetValue(), messages);
     }
-  }
+  });
   run_info = RunInfoMeta(has_failed ? eRunInfo::kFailed : eRunInfo::kNone, kActor, {}, std::move(messages));
 }
 

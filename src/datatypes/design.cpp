@@ -111,7 +111,7 @@ void Design::ClearResponses() {
 }
 
 void Design::ResetCriteriaValues() {
-  for (const auto& pair : criteria_) criteria_.GetDataNonConst(pair.first).ResetValues();
+  criteria_.ForEach([](const auto&, Criterion& criterion) { criterion.ResetValues(); });
 }
 
 bool Design::HasFailedParameters() const { return AnyBad(parameters_); }

@@ -11,11 +11,15 @@ namespace {
 
 using VariantType = CDesignEntry::VariantType;
 
+double RealOfScalar(const VariantType& value) {
+  if (value.GetKind() == VariantType::SCALAR) return value.GetScalar().real();
+  throw utils::logic_error(L"Designpoint conversion failed: variant isn't scalar.");
+}
+
 /// The value of a variant that is one real number to the cells of designs.
 double ToReal(const VariantType& value) {
-  if (value.GetKind() == VariantType::SCALAR) return value.GetScalar().real();
   if (value.GetKind() == VariantType::BOOLEAN) return value.GetBoolean() ? 1.0 : 0.0;
-  throw utils::logic_error(L"Designpoint conversion failed: variant isn't scalar.");
+  return RealOfScalar(value);
 }
 
 /// Towards zero. Beyond the range of the integers the nearest of them, and 0 for a NaN, instead of an undefined result.
@@ -64,7 +68,10 @@ template <>
 struct Converter<std::wstring> : boost::static_visitor<std::wstring> {
   std::wstring operator()(UninitializedType) const { return L"uninitialized"; }
   std::wstring operator()(const std::wstring& value) const { return value; }
-  std::wstring operator()(const VariantType& value) const { return boost::lexical_cast<std::wstring>(ToReal(value)); }
+  /// A boolean variant has no text.
+  std::wstring operator()(const VariantType& value) const {
+    return boost::lexical_cast<std::wstring>(RealOfScalar(value));
+  }
   template <class Number>
   std::wstring operator()(const Number& value) const {
     return boost::lexical_cast<std::wstring>(value);

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "datatypes/design_matrices.h"
+#include "datatypes/name_index.h"
 
 namespace kestrel::algorithm::datatypes {
 namespace {
@@ -65,26 +66,26 @@ CDesignEntry ExtremeResponse(const DesignManager& manager, const std::wstring& n
 /// Finds the rows of a matrix by their values.
 class RowLookup {
  public:
-  explicit RowLookup(const math::MatrixIn& rows) : rows_(rows) {
+  explicit RowLookup(const math::MatrixIn& rows) : rows_(rows), taken_(static_cast<std::size_t>(rows.rows()), 0) {
     for (math::Index i = 0; i < rows.rows(); ++i) {
       if (!rows.row(i).hasNaN()) sorted_.push_back(i);  // equal to no row, and without a place in the order
     }
     std::stable_sort(sorted_.begin(), sorted_.end(),
                      [this](math::Index a, math::Index b) { return Precedes(rows_.row(a), rows_.row(b)); });
-    taken_.assign(sorted_.size(), 0);
   }
 
-  /// The first row equal to `values` that was not taken before; -1 if there is none.
+  /// All rows equal to `values`; none if they were taken before.
   template <class Row>
-  math::Index Take(const Row& values) {
-    const auto found = std::lower_bound(sorted_.begin(), sorted_.end(), values,
-                                        [this](math::Index i, const Row& row) { return Precedes(rows_.row(i), row); });
-    if (found == sorted_.end()) return -1;
-    const auto first = static_cast<std::size_t>(found - sorted_.begin());
-    const std::size_t next = first + taken_[first];
-    if (next == sorted_.size() || (rows_.row(sorted_[next]).array() != values.array()).any()) return -1;
-    ++taken_[first];
-    return sorted_[next];
+  std::vector<math::Index> Take(const Row& values) {
+    auto next = std::lower_bound(sorted_.begin(), sorted_.end(), values,
+                                 [this](math::Index i, const Row& row) { return Precedes(rows_.row(i), row); });
+    std::vector<math::Index> found;
+    for (; next != sorted_.end() && (rows_.row(*next).array() == values.array()).all(); ++next) {
+      char& taken = taken_[static_cast<std::size_t>(*next)];
+      if (taken == 0) found.push_back(*next);
+      taken = 1;
+    }
+    return found;
   }
 
  private:
@@ -98,7 +99,7 @@ class RowLookup {
 
   math::MatrixIn rows_;
   std::vector<math::Index> sorted_;
-  std::vector<std::size_t> taken_;  // by the position of the first of equal rows
+  std::vector<char> taken_;
 };
 
 }  // namespace
@@ -146,8 +147,10 @@ std::vector<CHierachicalId> getDesignIDsFromParamValues(const DesignManager& man
   RowLookup lookup(points);
   std::vector<CHierachicalId> ids;
   for (math::Index i = 0; i < values.rows(); ++i) {
-    const math::Index found = values.row(i).hasNaN() ? -1 : lookup.Take(values.row(i));
-    if (found >= 0) ids.push_back(manager[static_cast<std::size_t>(found)].GetId());
+    if (values.row(i).hasNaN()) continue;
+    for (const math::Index found : lookup.Take(values.row(i))) {
+      ids.push_back(manager[static_cast<std::size_t>(found)].GetId());
+    }
   }
   return ids;
 }
@@ -169,15 +172,10 @@ CDesignEntry GetMinValueOfResponseFromDesign(const DesignManager& manager, const
 }
 
 DesignManager sortByParameterOrder(DesignManager manager, const ParameterManager& parameters) {
-  const std::vector<std::wstring> order = parameters.GetNames();
+  const NameIndex order(parameters.GetNames());  // what it does not know comes last
   for (Design& design : manager) {
-    const CDesignEntrySequence& unsorted = design.GetParameters();
-    CDesignEntrySequence sorted = unsorted.ExtractInOrder(order, true);
-    if (sorted.size() < unsorted.size()) {
-      for (const auto& pair : unsorted) {
-        if (!parameters.ContainsParameter(pair.first)) sorted.Add(pair);
-      }
-    }
+    CDesignEntrySequence sorted = design.GetParameters();
+    sorted.SortBy([&order](const SharedName& name) { return order.Find(name, NameIndex::kUnknown); });
     design.SetParametersUnsafe(std::move(sorted));
   }
   return manager;

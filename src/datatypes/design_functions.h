@@ -23,10 +23,9 @@ std::vector<std::wstring> getSignalNames(const DesignManager& manager);
 /// The parameter sequences of all designs in their order, not copied: valid as long as the designs are.
 std::vector<const CDesignEntrySequence*> getDesignPointsFromDesigns(const DesignManager& manager);
 
-/// The ids of the designs whose parameters equal a row of `values` (one column per name), in the order of the rows.
-/// Equal rows take equal designs one after the other; a row that finds none left gives no id. Raises std::domain_error
-/// "Can't extract designs numbers from an empty design container." and "Number of parameters in design container
-/// doesn't fit to parameter value matrix.".
+/// The ids of the designs whose parameters equal a row of `values` (one column per name), in the order of the rows,
+/// each design once. Raises std::domain_error "Can't extract designs numbers from an empty design container." and
+/// "Number of parameters in design container doesn't fit to parameter value matrix.".
 std::vector<CHierachicalId> getDesignIDsFromParamValues(const DesignManager& manager,
                                                         const std::vector<std::wstring>& names,
                                                         const math::MatrixIn& values);

@@ -11,26 +11,6 @@ namespace {
 
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 
-/// A sequence whose values can be set by position, to be copied for each row of a matrix.
-class RowTemplate {
- public:
-  explicit RowTemplate(const std::vector<std::wstring>& names) {
-    cells_.reserve(names.size());
-    for (const std::wstring& name : names) cells_.push_back(&sequence_.Add(name, kNaN));
-  }
-  RowTemplate(const RowTemplate&) = delete;
-  RowTemplate& operator=(const RowTemplate&) = delete;
-
-  const CDesignEntrySequence& Fill(const math::MatrixIn& values, math::Index row) {
-    for (std::size_t j = 0; j < cells_.size(); ++j) *cells_[j] = values(row, static_cast<math::Index>(j));
-    return sequence_;
-  }
-
- private:
-  CDesignEntrySequence sequence_;
-  std::vector<CDesignEntry*> cells_;  // in `sequence_`
-};
-
 void RequireColumns(const std::vector<std::wstring>& names, const math::MatrixIn& values) {
   if (names.size() == static_cast<std::size_t>(values.cols())) return;
   throw utils::logic_error(L"The number of names is not the number of columns.");
@@ -53,6 +33,16 @@ math::Matrix ConvertToMatrix(const DesignManager& manager, const std::vector<std
 
 }  // namespace
 
+RowSequence::RowSequence(const std::vector<std::wstring>& names) {
+  cells_.reserve(names.size());
+  for (const std::wstring& name : names) cells_.push_back(&sequence_.Add(name, kNaN));
+}
+
+const CDesignEntrySequence& RowSequence::Fill(const math::MatrixIn& values, math::Index row) {
+  for (std::size_t j = 0; j < cells_.size(); ++j) *cells_[j] = values(row, static_cast<math::Index>(j));
+  return sequence_;
+}
+
 double ToNumber(const CDesignEntry& entry) {
   if (const double* const real = boost::get<double>(&entry.GetData())) return *real;
   return entry.IsUninitialized() ? kNaN : ConvertDesignpointEntry<double>(entry);
@@ -67,8 +57,8 @@ DesignManager CreateDesignsFromMatrices(const std::vector<std::wstring>& paramet
   if (parameters.rows() != responses.rows()) {
     throw utils::logic_error(L"Parameters and responses differ in the number of rows.");
   }
-  RowTemplate parameter_row(parameter_names);
-  RowTemplate response_row(response_names);
+  RowSequence parameter_row(parameter_names);
+  RowSequence response_row(response_names);
   std::vector<Design> designs;
   designs.reserve(static_cast<std::size_t>(parameters.rows()));
   for (math::Index row = 0; row < parameters.rows(); ++row) {

@@ -14,6 +14,22 @@ namespace kestrel::algorithm::datatypes {
 /// A cell as a number: what `ConvertDesignpointEntry<double>` gives or raises, and NaN for an uninitialized cell.
 double ToNumber(const CDesignEntry& entry);
 
+/// A sequence of Real values whose cells are known by position, to be copied for each row of a matrix.
+class RowSequence {
+ public:
+  /// Names must be unique.
+  explicit RowSequence(const std::vector<std::wstring>& names);
+  RowSequence(const RowSequence&) = delete;
+  RowSequence& operator=(const RowSequence&) = delete;
+
+  /// @param values  one column per name.
+  const CDesignEntrySequence& Fill(const math::MatrixIn& values, math::Index row);
+
+ private:
+  CDesignEntrySequence sequence_;
+  std::vector<CDesignEntry*> cells_;  // in `sequence_`
+};
+
 /// One finished design per row with the ids first_id, first_id + 1, ... and Real values.
 /// @param parameters  N x n, one column per parameter name.   @param responses  N x m, one column per response name.
 /// Names must be unique; sizes that do not fit raise utils::logic_error.

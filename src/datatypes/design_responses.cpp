@@ -11,6 +11,7 @@
 #include "datatypes/design_matrices.h"
 #include "datatypes/entry_union.h"
 #include "datatypes/name_index.h"
+#include "support/component_name.h"
 #include "support/exceptions.h"
 
 namespace kestrel::algorithm::datatypes {
@@ -19,24 +20,6 @@ namespace {
 using Variant = CDesignEntry::VariantType;
 
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
-
-/// A name that holds "[index]": what stands before the bracket, and the index.
-struct PieceName {
-  std::wstring name;
-  std::uint64_t index;
-};
-
-std::optional<PieceName> ParsePieceName(const std::wstring& text) {
-  const std::size_t open = text.find(L'[');
-  if (open == std::wstring::npos || open == 0) return std::nullopt;
-  const std::size_t close = text.find(L']', open);
-  if (close == std::wstring::npos) return std::nullopt;
-  const std::wstring digits = text.substr(open + 1, close - open - 1);
-  const bool is_number = digits.find_first_not_of(L"0123456789") == std::wstring::npos;
-  constexpr std::size_t kMaxDigits = std::numeric_limits<std::uint64_t>::digits10;
-  if (!is_number || digits.empty() || digits.size() > kMaxDigits) return std::nullopt;
-  return PieceName{text.substr(0, open), std::stoull(digits)};
-}
 
 bool HasRows(const Variant& value) {
   const Variant::EKind kind = value.GetKind();
@@ -56,6 +39,7 @@ void FillPieces(const CDesignEntry& entry, const SplitResponseMapping::value_typ
   const auto& [name, pieces] = response;
   if (entry.IsUninitialized()) return;
   if (pieces.size() == 1 && pieces.front() == name) {
+    if (!entry.IsScalarType()) throw math::CTypeException(L"Invalid type.");
     row[first] = ToNumber(entry);
     return;
   }
@@ -80,41 +64,62 @@ bool AnyDesignHasResponse(const DesignManager& manager, const std::wstring& name
                      [&](const Design& design) { return design.GetResponses().Contains(name); });
 }
 
-/// The pieces of one response of a design, and where their vector goes.
+/// The number that a piece of a vector can be; none for a text that is no number and for what is not scalar.
+std::optional<std::complex<double>> GetPiece(const CDesignEntry& entry) {
+  if (entry.IsUninitialized()) return kNaN;
+  if (!entry.IsScalarType()) return std::nullopt;
+  const Variant value = ConvertDesignpointEntry<Variant>(entry);
+  if (value.GetKind() == Variant::BOOLEAN) return value.GetBoolean() ? 1.0 : 0.0;
+  if (value.GetKind() != Variant::SCALAR) return std::nullopt;
+  return value.GetScalar();
+}
+
+/// The pieces of one response of a design.
 struct PieceGroup {
-  CDesignEntry* target;
   std::vector<std::pair<std::uint64_t, std::complex<double>>> pieces;
+  bool fits = true;  ///< all pieces are numbers, and no response has the name of the vector
+
+  Variant MakeVector() {
+    std::stable_sort(pieces.begin(), pieces.end(), [](const auto& a, const auto& b) { return a.first < b.first; });
+    Variant::VectorType values(pieces.size());
+    for (std::size_t i = 0; i < pieces.size(); ++i) values[i] = pieces[i].second;
+    return Variant(values);
+  }
 };
 
-std::complex<double> GetComplex(const CDesignEntry& entry) {
-  if (entry.IsUninitialized()) return std::numeric_limits<double>::quiet_NaN();
-  const Variant value = ConvertDesignpointEntry<Variant>(entry);
-  if (value.GetKind() == Variant::SCALAR) return value.GetScalar();
-  return ConvertDesignpointEntry<double>(entry);
-}
+using PieceGroups = std::unordered_map<std::wstring, PieceGroup>;
 
-Variant MakeVector(PieceGroup& group) {
-  std::stable_sort(group.pieces.begin(), group.pieces.end(),
-                   [](const auto& a, const auto& b) { return a.first < b.first; });
-  Variant::VectorType values(group.pieces.size());
-  for (std::size_t i = 0; i < group.pieces.size(); ++i) values[i] = group.pieces[i].second;
-  return Variant(values);
-}
-
-CDesignEntrySequence Compress(const CDesignEntrySequence& responses) {
-  CDesignEntrySequence compressed(responses.GetHeader());
-  std::unordered_map<std::wstring, PieceGroup> groups;
+PieceGroups GatherPieces(const CDesignEntrySequence& responses) {
+  PieceGroups groups;
   for (const auto& [name, entry] : responses) {
-    const std::optional<PieceName> piece = ParsePieceName(name);
-    if (!piece) {
-      compressed.Add({name, entry});
-      continue;
-    }
-    const auto [group, is_new] = groups.try_emplace(piece->name);
-    if (is_new) group->second.target = &compressed.Add(piece->name, CDesignEntry());
-    group->second.pieces.emplace_back(piece->index, GetComplex(entry));
+    const auto piece = string::splitComponentName(name);
+    if (!piece) continue;
+    PieceGroup& group = groups[piece->name];
+    const std::optional<std::complex<double>> value = GetPiece(entry);
+    group.fits = group.fits && value.has_value();
+    group.pieces.emplace_back(piece->index, value.value_or(kNaN));
   }
-  for (auto& [name, group] : groups) *group.target = MakeVector(group);
+  if (groups.empty()) return groups;
+  for (const auto& pair : responses) {
+    const auto same_name = groups.find(pair.first.str());
+    if (same_name != groups.end()) same_name->second.fits = false;
+  }
+  return groups;
+}
+
+/// The vector of a group stands where its first piece stood. Groups that do not fit stay as they are.
+CDesignEntrySequence Compress(const CDesignEntrySequence& responses, PieceGroups groups) {
+  CDesignEntrySequence compressed(responses.GetHeader());
+  for (const auto& [name, entry] : responses) {
+    const auto piece = string::splitComponentName(name);
+    PieceGroup* const group = piece ? &groups[piece->name] : nullptr;
+    if (group == nullptr || !group->fits) {
+      compressed.Add({name, entry});
+    } else if (!group->pieces.empty()) {
+      compressed.Add(piece->name, group->MakeVector());
+      group->pieces.clear();
+    }
+  }
   return compressed;
 }
 
@@ -176,18 +181,15 @@ math::Matrix ConvertResponsesToMatrix(const DesignManager& manager, const SplitR
 
 std::wstring GetOriginalResponseName(const DesignManager& manager, const std::wstring& name) {
   if (AnyDesignHasResponse(manager, name)) return name;
-  const std::optional<PieceName> piece = ParsePieceName(name);
-  if (piece && name.back() == L']' && AnyDesignHasResponse(manager, piece->name)) return piece->name;
+  const auto piece = string::splitComponentName(name);
+  if (piece && AnyDesignHasResponse(manager, piece->name)) return piece->name;
   throw utils::logic_error(L"Response \"" + name + L"\" can not be found in designs.");
 }
 
 void compressResponses(DesignManager& manager) {
   for (Design& design : manager) {
-    const auto& responses = design.GetResponses();
-    if (std::any_of(responses.begin(), responses.end(),
-                    [](const auto& pair) { return ParsePieceName(pair.first).has_value(); })) {
-      design.OverrideResponses(Compress(responses));
-    }
+    PieceGroups groups = GatherPieces(design.GetResponses());
+    if (!groups.empty()) design.OverrideResponses(Compress(design.GetResponses(), std::move(groups)));
   }
   manager.UpdateStats(DesignManager::eStatsAction::kRecount);
 }

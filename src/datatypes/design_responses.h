@@ -24,7 +24,8 @@ std::vector<std::wstring> GetScalaredResponseNames(const DesignManager& manager,
 
 /// One row per design, one column per scalar piece (real parts). A response that is missing or uninitialized gives NaN
 /// in all its columns, as does, with `skip_failed`, every response of a failed design. A response with fewer elements
-/// than the mapping has raises what its access raises ("Index out of vector bounds.", "Index out of matrix bounds.").
+/// than the mapping has raises what its access raises ("Index out of vector bounds.", "Index out of matrix bounds."); a
+/// vector where the mapping has a scalar raises math::CTypeException "Invalid type.".
 math::Matrix ConvertResponsesToMatrix(const DesignManager& manager, bool skip_failed);
 math::Matrix ConvertResponsesToMatrix(const DesignManager& manager, const SplitResponseMapping& mapping,
                                       bool skip_failed = false);
@@ -34,7 +35,8 @@ math::Matrix ConvertResponsesToMatrix(const DesignManager& manager, const SplitR
 std::wstring GetOriginalResponseName(const DesignManager& manager, const std::wstring& name);
 
 /// Puts pieces together again: in each design the responses "name[k]" become one vector Variant "name" at the place of
-/// the first of them, in the order of k. All other responses stay where they are.
+/// the first of them, in the order of k. All other responses stay where they are, as do pieces that are not scalar
+/// numbers and those of a vector whose name another response has.
 void compressResponses(DesignManager& manager);
 
 }  // namespace kestrel::algorithm::datatypes

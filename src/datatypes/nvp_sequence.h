@@ -69,6 +69,19 @@ class CNVPSequence {
     return const_cast<V*>(std::as_const(*this).GetData(key, nothrow));
   }
 
+  /// Calls visit(name, value) for each pair in order; it may change the value.
+  template <class Visit>
+  void ForEach(Visit visit) {
+    for (auto& [name, value] : seq_) visit(std::as_const(name), value);
+  }
+
+  /// Puts the names in ascending order of rank(name); those of equal rank keep theirs.
+  template <class Rank>
+  void SortBy(Rank rank) {
+    const auto precedes = [&rank](const value_type& a, const value_type& b) { return rank(a.first) < rank(b.first); };
+    if (!std::is_sorted(seq_.begin(), seq_.end(), precedes)) seq_.sort(precedes);
+  }
+
   /// The pairs of `keys`, in their order. Raises utils::invalid_argument if one is missing and `skip_missing` is false.
   CNVPSequence ExtractInOrder(const std::vector<K>& keys, bool skip_missing) const;
 

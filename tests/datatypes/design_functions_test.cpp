@@ -111,7 +111,7 @@ TEST(DesignNames, RefuseAnEmptyContainer) {
 TEST(DesignPoints, AreFoundByTheirValuesOnceEach) {
   const DesignManager manager = MakeTable();
   math::Matrix values(5, 2);
-  values << -30, 3, 10, 1, 10, 1, 10, 1, kNaN, 1;
+  values << -30, 3, 10, 1, 10, 1, 8, 8, kNaN, 1;
   const std::vector<CHierachicalId> expected = {CHierachicalId(4), CHierachicalId(1), CHierachicalId(3)};
   EXPECT_EQ(getDesignIDsFromParamValues(manager, {L"b", L"a"}, values), expected);
   EXPECT_EQ(RefusalOf([&] { getDesignIDsFromParamValues(manager, {L"a"}, values.leftCols(1)); }),
@@ -191,6 +191,16 @@ TEST(DesignResponses, CompressInTheOrderOfTheIndex) {
   EXPECT_EQ(vector.at(2), 3.0);
 }
 
+TEST(DesignResponses, StayWhereTheyCannotBeAVector) {
+  DesignManager manager;
+  manager.push_back(Design(CHierachicalId(1)));
+  const CDesignEntrySequence responses = MakeSequence(
+      {{L"a", 1.0}, {L"a[0]", 2.0}, {L"b[0]", L"text"}, {L"b[1]", 3.0}, {L"c[0]", MakeVector({1.0, 2.0})}});
+  manager[0].SetResponses(responses);
+  compressResponses(manager);
+  EXPECT_EQ(manager[0].GetResponses(), responses);
+}
+
 TEST(DesignResponses, GiveMatricesRowByRow) {
   Variant::MatrixType matrix(2, 3);
   for (std::size_t k = 0; k < 6; ++k) matrix(k / 3, k % 3) = static_cast<double>(k);
@@ -219,8 +229,18 @@ TEST(DesignResponses, RefuseElementsThatAreNotThere) {
     manager[3].SetParameters(MakeSequence({{L"a", kNaN}, {L"b", kNaN}}));
     EXPECT_TRUE(ConvertResponsesToMatrix(manager, true).row(3).array().isNaN().all());
   }
-  EXPECT_EQ(RefusalOf([] { GetOriginalResponseName(MakeVectorTable(), L"u[1]"); }),
+  DesignManager manager = MakeVectorTable();
+  EXPECT_EQ(RefusalOf([&] { GetOriginalResponseName(manager, L"u[1]"); }),
             "Response \"u[1]\" can not be found in designs.");
+  const SplitResponseMapping mapping = GetSplitResponseMapping({{L"y", 1.0}});
+  manager[2].OverrideResponse(L"y", MakeVector({1.0, 2.0}));
+  EXPECT_EQ(RefusalOf([&] { ConvertResponsesToMatrix(manager, mapping, false); }), "Invalid type.");
+}
+
+TEST(DesignResponses, LoseOnlyTheirLastIndexWhenTheyAreSplit) {
+  DesignManager manager = MakeTable();
+  for (std::size_t i = 0; i < manager.size(); ++i) manager[i].AddResponse(L"y[1]", MakeVector({1.0, 2.0}));
+  EXPECT_EQ(GetOriginalResponseName(manager, L"y[1][0]"), L"y[1]");
 }
 
 TEST(ExtractParameters, TakesBoundsAroundTheValues) {

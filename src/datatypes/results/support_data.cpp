@@ -1,5 +1,6 @@
 #include "datatypes/results/support_data.h"
 
+#include <algorithm>
 #include <cstring>
 #include <limits>
 
@@ -48,11 +49,13 @@ Vector ElementsOf(const DesignManager& designs, const std::wstring& response, st
   return values;
 }
 
-/// A file may name any number of parameters: the matrix of their values must not outgrow the designs by far.
-bool HaveAsManyEntries(const DesignManager& designs, std::size_t parameters) {
+/// A file may name any number of parameters or responses: the matrix of their values must not outgrow the designs by
+/// far.
+template <class CountOf>
+bool HaveAsManyEntries(const DesignManager& designs, std::size_t names, CountOf count_of) {
   std::size_t entries = 0;
-  for (const Design& design : designs) entries += design.GetNumParameters();
-  return designs.empty() || parameters <= 2 * entries / designs.size();
+  for (const Design& design : designs) entries += count_of(design);
+  return designs.empty() || names <= 2 * entries / designs.size();
 }
 
 std::vector<std::wstring> VaryingParameters(const ParameterManager& parameters) {
@@ -65,23 +68,44 @@ std::vector<std::wstring> VaryingParameters(const ParameterManager& parameters) 
 
 }  // namespace
 
+SupportData::SupportData(const DesignManager& designs, const ParameterManager& parameters,
+                         const std::vector<SurrogateInfo>& infos)
+    : designs_(designs), parameters_(parameters) {
+  std::vector<std::wstring> names;
+  for (const SurrogateInfo& info : infos) {
+    if (info.GetSurrogate() && !IsElement(info)) names.push_back(info.GetResponseComponentName());
+  }
+  std::sort(names.begin(), names.end());
+  names.erase(std::unique(names.begin(), names.end()), names.end());
+  if (HaveAsManyEntries(designs, names.size(), [](const Design& design) { return design.GetNumResponses(); })) {
+    responses_ = ConvertScalarResponsesToMatrix(designs, names);
+    response_names_ = NameIndex(names);
+  }
+}
+
 bool SupportData::TakePoints(const SurrogateInfo& info) {
   std::vector<std::wstring> names = info.GetParameterNames();
   if (names.empty()) names = VaryingParameters(parameters_);
   if (names.size() != info.GetSurrogate()->GetVariableSelection().size()) return false;
   if (names_ != names) {
-    if (!HaveAsManyEntries(designs_, names.size())) return false;
+    if (!HaveAsManyEntries(designs_, names.size(), [](const Design& design) { return design.GetNumParameters(); }))
+      return false;
     points_ = ConvertParametersToMatrix(designs_, names);
     names_ = std::move(names);
   }
   return true;
 }
 
+bool SupportData::IsElement(const SurrogateInfo& info) const {
+  return !info.IsResponseScalar() && !designs_.empty() && designs_[0].GetResponses().Contains(info.GetResponseName());
+}
+
 Vector SupportData::Values(const SurrogateInfo& info) const {
-  if (!info.IsResponseScalar() && !designs_.empty() && designs_[0].GetResponses().Contains(info.GetResponseName())) {
-    return ElementsOf(designs_, info.GetResponseName(), info.GetResponseIndex());
-  }
-  return ConvertScalarResponsesToMatrix(designs_, {info.GetResponseComponentName()});
+  if (IsElement(info)) return ElementsOf(designs_, info.GetResponseName(), info.GetResponseIndex());
+  const std::wstring name = info.GetResponseComponentName();
+  const std::size_t column = response_names_.Find(name, NameIndex::kUnknown);
+  if (column == NameIndex::kUnknown) return ConvertScalarResponsesToMatrix(designs_, {name});
+  return responses_.col(static_cast<Index>(column));
 }
 
 std::vector<CHierachicalId> SupportData::FindDesigns(const SurrogateInfo& info) {

@@ -155,7 +155,7 @@ void SurrogateInfoContainer::BuildErrors(const CVIndexes& cv_indexes) const {
 }
 
 void SurrogateInfoContainer::UpdateUsedDesignHIds(const DesignManager& designs, const ParameterManager& parameters) {
-  SupportData support(designs, parameters);
+  SupportData support(designs, parameters, infos_);
   for (SurrogateInfo& info : infos_) {
     if (HasSample(info)) info.SetUsedHIds(support.FindDesigns(info));
   }
@@ -166,7 +166,7 @@ void SurrogateInfoContainer::ResetSupportData() {
 }
 
 void SurrogateInfoContainer::RestoreSupportData(const DesignManager& designs, const ParameterManager& parameters) {
-  SupportData support(designs, parameters);
+  SupportData support(designs, parameters, infos_);
   for (const SurrogateInfo& info : infos_) {
     if (!info.GetSurrogate() || HasSample(info)) continue;
     if (info.GetUsedHIds().empty()) {
