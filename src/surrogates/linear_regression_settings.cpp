@@ -18,6 +18,11 @@ void ForEachPair(std::uint64_t n, Visit visit) {
   }
 }
 
+/// The position of the pair i < j of n inputs in that order.
+Selection::size_type PairOf(std::uint64_t n, std::uint64_t i, std::uint64_t j) {
+  return i * (2 * n - i - 1) / 2 + (j - i - 1);
+}
+
 }  // namespace
 
 LinearRegressionSettings::LinearRegressionSettings(std::uint64_t num_inputs) : SurrogateSettingsBase(num_inputs) {
@@ -71,10 +76,11 @@ void LinearRegressionSettings::DeselectInputMainTerms(std::uint64_t input) {
 
 void LinearRegressionSettings::DeselectInputInteractionTerms(std::uint64_t input) {
   RequireInput(input);
-  if (interaction_selection_.empty()) return;
-  ForEachPair(ninputs_, [&](auto pair, std::uint64_t i, std::uint64_t j) {
-    if (i == input || j == input) interaction_selection_.reset(pair);
-  });
+  if (interaction_selection_.empty() || input >= ninputs_) return;
+  for (std::uint64_t other = 0; other < ninputs_; ++other) {
+    if (other == input) continue;
+    interaction_selection_.reset(PairOf(ninputs_, std::min(input, other), std::max(input, other)));
+  }
 }
 
 Selection LinearRegressionSettings::GetVariableMainTermSelection() const {
