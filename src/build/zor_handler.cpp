@@ -47,6 +47,13 @@ struct TaskLog {
   std::shared_ptr<LogBase> filter;
 };
 
+/// Minimum and maximum of each column.
+std::vector<std::pair<double, double>> ColumnBounds(const math::Matrix& values) {
+  std::vector<std::pair<double, double>> bounds;
+  for (const auto& column : values.colwise()) bounds.emplace_back(column.minCoeff(), column.maxCoeff());
+  return bounds;
+}
+
 /// Drops what the record does not keep: designs that did not count, responses of the black list, parameters that took
 /// no part.
 void RemoveUnused(algorithm::datatypes::DesignManager& designs, const std::vector<math::Index>& rows,
@@ -137,7 +144,9 @@ void CZORHandler::Build() {
   const std::shared_ptr<LogBase> log = InitializeAlgorithmLog();
   RequireCheck(*log);
   PrepareInformation();
-  SaveSamplingInformation(parameters_, static_cast<std::size_t>(points_.rows()), SamplingBounds(), *log);
+  progress_(0.0);
+  const math::Matrix all_values = GetZorPoints(parameters_, lyra_.GetDesignContainer())(rows_, Eigen::all);
+  SaveSamplingInformation(parameters_, rows_.size(), ColumnBounds(all_values), *log);
 
   const auto workers = std::min<std::uint64_t>(settings_.NumResponsesParallel(), response_names_.size());
   if (settings_.GetSettingsType() == eSettingsType::kAutomatic) {
@@ -166,14 +175,6 @@ std::shared_ptr<LogBase> CZORHandler::InitializeAlgorithmLog() const {
   return std::make_shared<utils::log::LogMulti>(std::vector<std::shared_ptr<LogBase>>{log_, file});
 }
 
-CZORHandler::Bounds CZORHandler::SamplingBounds() const {
-  Bounds bounds;
-  for (math::Index column = 0; column < points_.cols(); ++column) {
-    bounds.emplace_back(points_.col(column).minCoeff(), points_.col(column).maxCoeff());
-  }
-  return bounds;
-}
-
 /// What the record tells of the run beside its designs; the models follow.
 void CZORHandler::PrepareInformation() {
   // A record of an earlier run, which may have been given, shares its algorithm information with its copies.
@@ -184,7 +185,7 @@ void CZORHandler::PrepareInformation() {
   fresh.SetSamplingType(algorithm->GetSamplingType());
   fresh.parameter_manager_ = GetAdaptedZORParameterManager();
   fresh.parameter_names_ = input_names_;
-  fresh.sampling_limits_ = SamplingBounds();
+  fresh.sampling_limits_ = ColumnBounds(points_);
   for (const std::wstring& name : input_names_) {
     fresh.defined_limits_.push_back(
         NumberBoundsOf(fresh.parameter_manager_.GetParameter(name)).value_or(std::pair(kNan, kNan)));

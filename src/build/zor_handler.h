@@ -41,7 +41,6 @@ class CZORHandler {
   using ZORInformation = algorithm::datatypes::AlgorithmInfo::ZORInformation;
   /// A column per name, as a Variant of the kind VECTOR; all of one length.
   using Columns = CNVPSequence<std::wstring, math::Variant<double>, std::uint64_t>;
-  using Bounds = std::vector<std::pair<double, double>>;
 
   /// Data that cannot be used raise utils::runtime_error with every error line logged, one a line, and at the end
   /// "Given data is invalid."; an input that is NaN or infinite raises "Input %u of design %u is not a finite number.",
@@ -104,7 +103,6 @@ class CZORHandler {
   void CheckStopRequested() const;
   void RequireCheck(utils::log::LogBase& log) const;
   std::shared_ptr<utils::log::LogBase> InitializeAlgorithmLog() const;
-  Bounds SamplingBounds() const;
   void PrepareInformation();
   std::vector<PendingResponse> ScheduleResponses(ZORTaskPool& pool, utils::log::LogBase& log);
   void CollectResponses(std::vector<PendingResponse>& responses, utils::log::LogBase& log);

@@ -135,6 +135,13 @@ void TakeBounds(const ParameterManager& source, const std::wstring& name, Parame
   target.SetBoundaries(name, sampled.GetLowerBound(), sampled.GetUpperBound());
 }
 
+DesignManager SelectRows(const DesignManager& designs, const std::vector<math::Index>& rows) {
+  std::vector<Design> selected;
+  selected.reserve(rows.size());
+  for (const math::Index row : rows) selected.push_back(designs[static_cast<std::size_t>(row)]);
+  return DesignManager(std::move(selected));
+}
+
 /// Forgets the attached files that tools of earlier runs left: those know the run that made them.
 void RemoveToolFiles(LYRA& lyra) {
   std::vector<boost::uuids::uuid> of_tools;
@@ -390,8 +397,10 @@ CZORHandler::Parameters CZORHandler::GetAdaptedZORParameterManager() const {
   if (!advanced.adapt_bounds_) return parameters_;
   utils::log::LogDummy nobody;
   const double factor = advanced.adapt_bounds_safety_factor_;
-  const Parameters sampled =
-      algorithm::datatypes::extractParametersFromDesigns(lyra_.GetDesignContainer(), nobody, factor, factor);
+  const Designs& designs = lyra_.GetDesignContainer();
+  const bool all_count = rows_.size() == designs.size();
+  const Parameters sampled = algorithm::datatypes::extractParametersFromDesigns(
+      all_count ? designs : SelectRows(designs, rows_), nobody, factor, factor);
   Parameters adapted = parameters_;
   for (const std::wstring& name : adapted.GetNames()) {
     if (adapted.GetParameter(name).IsOptimization()) TakeBounds(sampled, name, adapted);

@@ -67,9 +67,23 @@ void TellOnce(const Design& design, std::set<std::wstring>& told, utils::log::Lo
   }
 }
 
+/// Keeps the first messages alone: a solver lives as long as its record, however often it is asked.
+class FirstMessages : public utils::log::VectorLog {
+ public:
+  void add(utils::log::LogLevel level, const std::wstring& text) override {
+    constexpr std::size_t kMost = 1000;
+    if (GetEntries().size() < kMost) VectorLog::add(level, text);
+  }
+};
+
+bool AnyDependent(const algorithm::datatypes::ParameterManager& manager) {
+  const auto& parameters = manager.GetParameters();
+  return std::any_of(parameters.begin(), parameters.end(), [](const auto& p) { return p.IsDependent(); });
+}
+
 }  // namespace
 
-ZORSolver::ZORSolver(bool keep_log) : kept_log_(std::make_shared<utils::log::VectorLog>()), log_(kept_log_) {
+ZORSolver::ZORSolver(bool keep_log) : kept_log_(std::make_shared<FirstMessages>()), log_(kept_log_) {
   if (!keep_log) log_ = std::make_shared<utils::log::LogDummy>();
 }
 
@@ -131,7 +145,7 @@ math::Matrix ZORSolver::DesignsToRequestMatrix(const DesignManager& designs) con
 
 void ZORSolver::InitializeLog() {
   const bool keeps = log_ == kept_log_;
-  kept_log_ = std::make_shared<utils::log::VectorLog>();
+  kept_log_ = std::make_shared<FirstMessages>();
   if (keeps) log_ = kept_log_;
 }
 
@@ -146,12 +160,11 @@ DesignManager ZORSolver::Approximate(const DesignManager& designs, eExtrapolatio
   }
   const math::Matrix values = ApproximateResponses(DesignsToRequestMatrix(approximated), type, throwing);
   if (values.size() == 0) return approximated;
-  for (std::size_t row = 0; row < approximated.size(); ++row) {
-    for (std::size_t k = 0; k < derived_.response_names.size(); ++k) {
-      approximated[row].AddResponse(derived_.response_names[k],
-                                    values(static_cast<math::Index>(row), static_cast<math::Index>(k)));
-    }
-    approximated[row].SetApproximated(true);
+  algorithm::datatypes::RowSequence responses(derived_.response_names);
+  math::Index row = 0;
+  for (Design& design : approximated) {
+    design.OverrideResponses(responses.Fill(values, row++));
+    design.SetApproximated(true);
   }
   algorithm::datatypes::compressResponses(approximated);
   for (Design& design : approximated) FillCriteria(design, calculator);
@@ -173,6 +186,24 @@ math::Matrix ZORSolver::ApproximateDesigns(const math::MatrixIn& points, bool ex
 
 math::Matrix ZORSolver::ApproximateDesigns(const math::MatrixIn& points, eExtrapolationTypes type,
                                            bool throwing) const {
+  const bool is_complete = static_cast<std::size_t>(points.cols()) != derived_.parameter_names.size() ||
+                           !AnyDependent(lyra_.GetParameterManager());
+  if (!is_complete) {
+    return ApproximateComplete(WithDependentParameters(points), type, throwing);
+  }
+  return ApproximateComplete(points, type, throwing);
+}
+
+math::Matrix ZORSolver::WithDependentParameters(const math::MatrixIn& points) const {
+  DesignManager designs = algorithm::datatypes::CreateDesignsFromMatrices(derived_.parameter_names, points, {},
+                                                                          math::Matrix(points.rows(), 0));
+  calculator::Calculator calculator;
+  for (Design& design : designs) CalculateDependentParameters(design, lyra_.GetParameterManager(), calculator);
+  return DesignsToRequestMatrix(designs);
+}
+
+math::Matrix ZORSolver::ApproximateComplete(const math::MatrixIn& points, eExtrapolationTypes type,
+                                            bool throwing) const {
   math::Matrix responses = ApproximateResponses(points, type, throwing);
   if (lyra_.GetCriteria().empty() || responses.size() == 0) return responses;
   const math::Matrix criteria = ApproximateCriteria(points, responses);

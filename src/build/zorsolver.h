@@ -113,6 +113,10 @@ class ZORSolver {
   /// Runs `work` on the columns that the models see.
   template <class Work>
   math::Matrix OnInputs(const math::MatrixIn& points, Work&& work) const;
+  /// The points with the dependent parameters of the record computed from the others.
+  math::Matrix WithDependentParameters(const math::MatrixIn& points) const;
+  /// `ApproximateDesigns` on points that are complete.
+  math::Matrix ApproximateComplete(const math::MatrixIn& points, enums::eExtrapolationTypes type, bool throwing) const;
   math::Matrix ApproximateCriteria(const math::MatrixIn& points, const math::MatrixIn& responses) const;
   void FillCriteria(algorithm::datatypes::Design& design, calculator::Calculator& calculator) const;
   bool HasInputColumns(const math::MatrixIn& points) const;

@@ -209,7 +209,7 @@ TEST(Handler, ReportsTheFractionFinished) {
   const auto handler = MakeHandler(NoLog(), samples, MakeSettings(samples));
   handler->SetProgressCallable([&](double fraction) { fractions.push_back(fraction); });
   handler->Build();
-  EXPECT_EQ(fractions, (std::vector<double>{0.0, 0.25, 0.5, 0.75, 1.0}));
+  EXPECT_EQ(fractions, (std::vector<double>{0.0, 0.0, 0.25, 0.5, 0.75, 1.0}));
 }
 
 TEST(Handler, TellsTheLogWhatItRefuses) {
@@ -241,12 +241,12 @@ struct MixedDesigns {
     parameters.SetConst(L"fixed", true);
   }
 
-  CZORHandler MakeHandlerOf(ZORAdvancedSettings advanced) const {
+  CZORHandler MakeHandlerOf(ZORAdvancedSettings advanced, std::shared_ptr<utils::log::LogBase> log = NoLog()) const {
     ZORCombinedSettings settings = MakeSettings(samples, std::move(advanced));
     ZORData data = settings.GetZORData();
     data.responses_usage_[L"pair"] = true;
     settings.SetZORData(data);
-    return CZORHandler(NoLog(), parameters, designs, algorithm::datatypes::Design(), settings);
+    return CZORHandler(std::move(log), parameters, designs, algorithm::datatypes::Design(), settings);
   }
 
   SampleTable samples;
@@ -255,10 +255,19 @@ struct MixedDesigns {
 };
 
 TEST(Handler, ModelsWhatCanBeModelledOfMixedDesigns) {
-  const MixedDesigns mixed;
-  CZORHandler handler = mixed.MakeHandlerOf({});
+  MixedDesigns mixed;
+  auto outlier = mixed.designs[5].GetParameters();  // of a design that does not count
+  outlier[L"a"] = 50.0;
+  mixed.designs[5].SetParametersUnsafe(outlier);
+  const auto log = std::make_shared<utils::log::VectorLog>();
+  CZORHandler handler = mixed.MakeHandlerOf({}, log);
   handler.Build();
   const ZORInformation& information = InformationOf(handler.GetLYRA());
+  EXPECT_EQ(information.defined_limits_, information.sampling_limits_);
+  const bool tells_constant = std::any_of(log->GetEntries().begin(), log->GetEntries().end(), [](const auto& entry) {
+    return entry.second.find(L"fixed") == 0 && entry.second.find(L"[3 / 3]") != std::wstring::npos;
+  });
+  EXPECT_TRUE(tells_constant);
   EXPECT_EQ(information.parameter_names_, (std::vector<std::wstring>{L"a", L"b"}));
   EXPECT_EQ(information.GetResponseNames(), (std::vector<std::wstring>{L"r0", L"r1", L"pair[0]", L"pair[1]"}));
   EXPECT_EQ(handler.GetLYRA().GetDesignContainer().size(), 18u);

@@ -238,5 +238,27 @@ TEST(Solver, FillsTheResponsesOfDesigns) {
   EXPECT_TRUE(approximated[7].IsApproximated());
 }
 
+TEST(Solver, ComputesDependentParametersBeforeItEvaluates) {
+  LYRA lyra = Record().Make();
+  auto parameters = lyra.GetParameterManager();
+  parameters.GetParameter(L"b").SetDependencyExpression(L"2 * a + 1");
+  lyra.SetParameterManager(parameters);
+  algorithm::datatypes::CriterionSequence criteria;
+  criteria.Add(L"twice",
+               algorithm::datatypes::Criterion(kestrel::enums::CriterionType::OBJECTIVE_MIN, L"first + b", L""));
+  lyra.SetCriteria(criteria);
+  ZORSolver solver(true);
+  solver.InitializeSolver(lyra, {});
+  const Matrix values = solver.ApproximateDesigns(Point(0.5, 3.75), false, kThrowing);
+  const double expected = testing::Quadratic(Point(0.5, 2.0))(0);
+  EXPECT_TRUE(MatrixNear(values, (Matrix(1, 3) << expected, -expected, expected + 2.0).finished(), kExact));
+}
+
+TEST(Solver, KeepsABoundedNumberOfMessages) {
+  const ZORSolver solver = MakeSolver();
+  for (int i = 0; i < 1100; ++i) solver.ApproximateDesigns(Matrix(1, 3), false, kThrowing);
+  EXPECT_EQ(solver.GetLog().GetEntries().size(), 1000u);
+}
+
 }  // namespace
 }  // namespace kestrel::zor

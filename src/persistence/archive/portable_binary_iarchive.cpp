@@ -297,10 +297,12 @@ void portable_binary_iarchive::ReportChecksum(const char* name, unsigned expecte
 }
 
 void portable_binary_iarchive::size_report_start_impl(const char* type, const char* name) {
-  reporter_->StartElement(type, name);
+  if (reporter_) reporter_->StartElement(type, name);
 }
 
-void portable_binary_iarchive::size_report_end_impl(const char* name) { reporter_->EndElement(name); }
+void portable_binary_iarchive::size_report_end_impl(const char* name) {
+  if (reporter_) reporter_->EndElement(name);
+}
 
 }  // namespace kestrel
 
