@@ -98,8 +98,8 @@ bool ModelSearch::EnoughForInputs(const SurrogateSettingsBase& settings, double 
   return false;
 }
 
-bool ModelSearch::EnoughInCrossValidation(const SurrogateSettingsBase& settings) const {
-  const std::uint64_t left = static_cast<std::uint64_t>(context_.inputs.rows()) - context_.largest_subset;
+bool ModelSearch::EnoughInCrossValidation(const SurrogateSettingsBase& settings, std::uint64_t left_out) const {
+  const std::uint64_t left = static_cast<std::uint64_t>(context_.inputs.rows()) - left_out;
   const std::uint64_t coefficients = settings.GetNumberCoefficients();
   if (left >= coefficients) return true;
   Log().Debug() << L"Not enough supports " << left << L" for coefficients " << coefficients << L" in cross validation";

@@ -78,8 +78,9 @@ class ModelSearch {
   /// False, with a log line, if there are fewer than `factor` samples for each selected input.
   bool EnoughForInputs(const SurrogateSettingsBase& settings, double factor) const;
 
-  /// False, with a log line, if the largest cross-validation subset leaves fewer samples than coefficients.
-  bool EnoughInCrossValidation(const SurrogateSettingsBase& settings) const;
+  /// False, with a log line, if cross-validation that leaves out so many samples at a time leaves fewer samples than
+  /// coefficients.
+  bool EnoughInCrossValidation(const SurrogateSettingsBase& settings, std::uint64_t left_out) const;
 
   /// What the surrogate, just built by `BuildOptimal`, predicts at the samples. A class whose fit has found it already
   /// hands that over.

@@ -1,3 +1,5 @@
+#include <algorithm>
+
 #include "selection/log_text.h"
 #include "selection/mls_search.h"
 
@@ -69,7 +71,9 @@ MovingLeastSquaresSettings MlsSearch::InitialSettings() const {
 }
 
 bool MlsSearch::EnoughSamples(const SurrogateSettingsBase& settings) const {
-  return EnoughForInputs(settings, Context().settings.coeff_factor_mls_) && EnoughInCrossValidation(settings);
+  // Leaving out each design in turn takes one from every fit; with none to spare no radius would be valid.
+  const auto left_out = std::max<std::uint64_t>(Context().largest_subset, 1);
+  return EnoughForInputs(settings, Context().settings.coeff_factor_mls_) && EnoughInCrossValidation(settings, left_out);
 }
 
 CandidatePredictions MlsSearch::Predict() {

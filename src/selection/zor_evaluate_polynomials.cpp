@@ -91,7 +91,7 @@ bool PolynomialSearch::EnoughSamples(const SurrogateSettingsBase& settings) cons
     Log().Debug() << L"Not enough supports " << samples << L" for coefficients " << coefficients;
     return false;
   }
-  return EnoughInCrossValidation(settings);
+  return EnoughInCrossValidation(settings, Context().largest_subset);
 }
 
 void PolynomialSearch::LogCandidate(const SubspaceResults& result) const {
