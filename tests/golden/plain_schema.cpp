@@ -14,6 +14,14 @@ std::vector<PlainValue> PlainWalk::WalkPointer(std::string bytes, const Class& d
   return std::move(walk.values_);
 }
 
+std::vector<PlainValue> PlainWalk::WalkObject(std::string bytes, std::size_t begin, const Class& description) {
+  PlainWalk walk(std::move(bytes), begin);
+  walk.reader_.ReadHeader();
+  walk.WalkContent(walk.reader_.BeginObject(description.key), description);
+  walk.Require(walk.reader_.AtEnd(), "bytes behind the record");
+  return std::move(walk.values_);
+}
+
 void PlainWalk::Require(bool holds, const std::string& what) const {
   if (!holds) {
     throw std::runtime_error(PathOf("") + ": " + what + " at byte " + std::to_string(reader_.Position()));
@@ -48,11 +56,14 @@ void PlainWalk::WalkContent(const PlainArchiveReader::Object& object, const Clas
   Require(object.version == description.version, description.key + " of version " + std::to_string(object.version));
   Require(object.tracked == description.tracked, description.key + (object.tracked ? " is" : " is not") + " tracked");
   if (object.is_reference) return Record("", "object " + std::to_string(object.object_id));
-  for (const auto& [name, field] : description.fields) field(*this, name);
+  WalkFields(description.fields);
 }
 
-void PlainWalk::WalkItems(const Field& item, std::uint64_t item_version) {
-  const std::uint64_t count = reader_.ReadCount(item_version);
+void PlainWalk::WalkFields(const Fields& fields) {
+  for (const auto& [name, field] : fields) field(*this, name);
+}
+
+void PlainWalk::WalkItems(std::uint64_t count, const Field& item) {
   Record("count", count);
   for (std::uint64_t i = 0; i < count; ++i) Within(std::to_string(i), [&] { item(*this, "item"); });
 }
@@ -94,7 +105,7 @@ PlainWalk::Field PlainWalk::List(const std::string& key, const Field& item, std:
     walk.reader_.Expect(name);
     walk.Within(name, [&] {
       walk.WalkContent(walk.reader_.BeginObject(key), {key, 0, false, {}});
-      walk.WalkItems(item, item_version);
+      walk.WalkItems(walk.reader_.ReadCount(item_version), item);
     });
   };
 }
@@ -102,7 +113,7 @@ PlainWalk::Field PlainWalk::List(const std::string& key, const Field& item, std:
 PlainWalk::Field PlainWalk::Numbers(const std::string& key, const Field& item) {
   return [=](PlainWalk& walk, const std::string& name) {
     walk.reader_.Expect(name).BeginObjectWithoutClassInfo(key);
-    walk.Within(name, [&] { walk.WalkItems(item, 0); });
+    walk.Within(name, [&] { walk.WalkItems(walk.reader_.ReadCount(), item); });
   };
 }
 
@@ -148,6 +159,35 @@ PlainWalk::Field PlainWalk::Variant(const std::string& key, std::vector<Field> a
       alternatives.at(static_cast<std::size_t>(which))(walk, "value");
     });
   };
+}
+
+const std::string& PlainWalk::TextOf(const std::string& name) const {
+  const auto found = std::find_if(values_.rbegin(), values_.rend(),
+                                  [path = PathOf(name)](const PlainValue& value) { return value.path == path; });
+  Require(found != values_.rend(), "no " + name);
+  return found->text;
+}
+
+PlainWalk::Field PlainWalk::Choice(const std::string& number, std::map<std::int64_t, Fields> alternatives) {
+  return [number, alternatives = std::move(alternatives)](PlainWalk& walk, const std::string&) {
+    walk.WalkFields(alternatives.at(std::stoll(walk.TextOf(number))));
+  };
+}
+
+PlainWalk::Field PlainWalk::Group(Fields fields) {
+  return [fields = std::move(fields)](PlainWalk& walk, const std::string& name) {
+    walk.reader_.Expect(name);
+    walk.Within(name, [&] { walk.WalkFields(fields); });
+  };
+}
+
+PlainWalk::Field PlainWalk::Items(const std::string& count, const Field& item) {
+  return [=](PlainWalk& walk, const std::string&) { walk.WalkItems(walk.reader_.Expect(count).ReadUnsigned(), item); };
+}
+
+PlainWalk::Field PlainWalk::Raw(std::size_t size) {
+  return
+      [size](PlainWalk& walk, const std::string& name) { walk.Record(name, walk.reader_.Expect(name).ReadRaw(size)); };
 }
 
 }  // namespace kestrel::testing

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <map>
 #include <string>
 #include <utility>
 #include <vector>
@@ -26,16 +27,20 @@ class PlainWalk {
   /// What stands under a name. A field begins with its name.
   using Field = std::function<void(PlainWalk&, const std::string& name)>;
 
+  using Fields = std::vector<std::pair<std::string, Field>>;  ///< in stored order
+
   struct Class {
     std::string key;  ///< of classes that appear through a base pointer their exported name
     std::uint64_t version;
     bool tracked;
-    std::vector<std::pair<std::string, Field>> fields;  ///< in stored order
+    Fields fields;
   };
 
-  /// Walks an archive that holds one pointer and nothing behind it. Raises std::runtime_error for the first deviation,
-  /// with the path and the position.
+  /// Walks an archive that holds one pointer, or one object by value, and nothing behind it. Raises std::runtime_error
+  /// for the first deviation, with the path and the position.
+  /// @param begin  where the archive begins.
   static std::vector<PlainValue> WalkPointer(std::string bytes, const Class& declared);
+  static std::vector<PlainValue> WalkObject(std::string bytes, std::size_t begin, const Class& description);
 
   static Field Unsigned();
   static Field Signed();  ///< also of an enumeration
@@ -57,16 +62,25 @@ class PlainWalk {
   static Field Shared(const std::string& key, const Field& pointer);
   /// One of these, by the number "which".
   static Field Variant(const std::string& key, std::vector<Field> alternatives);
+  /// Parts of a record that have no name of their own: one of these, by a number that stands before them.
+  static Field Choice(const std::string& number, std::map<std::int64_t, Fields> alternatives);
+  /// Fields below a name without an object around them.
+  static Field Group(Fields fields);
+  /// So many items as the number of that name says, without a name of their own.
+  static Field Items(const std::string& count, const Field& item);
+  static Field Raw(std::size_t size);
 
  private:
-  explicit PlainWalk(std::string bytes) : reader_(std::move(bytes)) {}
+  explicit PlainWalk(std::string bytes, std::size_t begin = 0) : reader_(std::move(bytes), begin) {}
 
   static Field PointerTo(const std::string& declared_key, std::vector<Class> classes);
   template <class Value>
   static Field Leaf(Value (PlainArchiveReader::*read)());
   void Require(bool holds, const std::string& what) const;
   void WalkContent(const PlainArchiveReader::Object& object, const Class& description);
-  void WalkItems(const Field& item, std::uint64_t item_version);
+  void WalkFields(const Fields& fields);
+  void WalkItems(std::uint64_t count, const Field& item);
+  const std::string& TextOf(const std::string& name) const;  ///< of a value beside the present one
   /// Runs `work` one level below `name`.
   template <class Work>
   void Within(const std::string& name, Work&& work);

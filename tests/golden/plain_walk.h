@@ -9,5 +9,7 @@ namespace kestrel::testing {
 
 /// Every value of a stored model, read from its bytes alone.
 std::vector<PlainValue> WalkStoredModel(std::string bytes);
+/// The same of a database file, behind its header.
+std::vector<PlainValue> WalkMonitoringFile(std::string bytes);
 
 }  // namespace kestrel::testing
