@@ -7,6 +7,7 @@
 #include "datatypes/criterion.h"
 #include "datatypes/nvp_sequence.h"
 #include "support/plain_archive_reader.h"
+#include "support/read_to_the_end.h"
 #include "support/stored.h"
 #include "values/variant_builders.h"
 
@@ -17,6 +18,7 @@ using boost::serialization::make_nvp;
 using math::test::Scalar;
 using math::test::Vector;
 using testing::Load;
+using testing::ReadToTheEnd;
 using testing::Store;
 using VariantType = CDesignEntry::VariantType;
 
@@ -78,7 +80,7 @@ TEST(CellsPersistence, KeepsEveryType) {
 
 TEST(CellsPersistence, ReadsCellsOfOldVersions) {
   CDesignEntry read = L"before";
-  Load(Store(OldCell<4>{Vector({1, 2})}), read);
+  ReadToTheEnd(Store(OldCell<4>{Vector({1, 2})}), read);
   EXPECT_TRUE(read == CDesignEntry(Vector({1, 2})));
   const std::vector<std::pair<OldCell<3>, CDesignEntry>> cases = {{{UninitializedType()}, {}},
                                                                   {{2.5}, 2.5},
@@ -86,7 +88,7 @@ TEST(CellsPersistence, ReadsCellsOfOldVersions) {
                                                                   {{std::wstring(L"text")}, L"text"},
                                                                   {{true}, true}};
   for (const auto& [old, expected] : cases) {
-    Load(Store(old), read);
+    ReadToTheEnd(Store(old), read);
     EXPECT_EQ(read.GetDomainType(), expected.GetDomainType());
     EXPECT_TRUE(read == expected);
   }
@@ -97,10 +99,10 @@ TEST(CellsPersistence, ReadsCriteriaOfOldVersions) {
   Criterion expected(enums::CriterionType::LIMIT_STATE_LESS, L"x", L"3");
   Criterion read;
   expected.SetValues(1.0, {}, {}, false);
-  Load(Store(OldCriterion<1>()), read);
+  ReadToTheEnd(Store(OldCriterion<1>()), read);
   EXPECT_TRUE(read == expected);
   expected.SetValues(1.0, 2.0, 3.0, false);
-  Load(Store(OldCriterion<2>()), read);
+  ReadToTheEnd(Store(OldCriterion<2>()), read);
   EXPECT_TRUE(read == expected);
 }
 

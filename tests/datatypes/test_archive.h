@@ -1,5 +1,7 @@
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <sstream>
 #include <string>
 
@@ -18,13 +20,14 @@ std::string Write(const Object& object) {
   return stream.str();
 }
 
-/// Reads an object; a wrong annotation raises.
+/// Reads an object to the last byte; a wrong annotation raises.
 template <class Object>
 Object Read(const std::string& bytes) {
   std::istringstream stream(bytes);
   portable_binary_iarchive archive(stream, 0x100000);
   Object object;
   archive >> object;
+  EXPECT_EQ(stream.peek(), std::istringstream::traits_type::eof()) << "bytes behind the object";
   return object;
 }
 

@@ -4,34 +4,10 @@
 
 #include <utility>
 
+#include "support/old_layout.h"
 #include "support/stored.h"
 
 namespace kestrel::math::metamodel {
-
-/// The fields of class version 0.
-struct OldMetamodelSettings {
-  template <class Archive>
-  void serialize(Archive& archive, unsigned) {
-    MetamodelSettings settings;
-    settings.max_order_polynomial_ = 3;
-    MetamodelSettings::ForEachField([&](const char* name, auto field, unsigned since) {
-      if (since == 0) archive& boost::serialization::make_nvp(name, settings.*field);
-    });
-  }
-};
-
-struct OldZORSettings {
-  OldMetamodelSettings base;
-  template <class Archive>
-  void serialize(Archive& archive, unsigned) {
-    ZORSettings settings(2);
-    archive& boost::serialization::make_nvp("MetamodelSettings", base);
-    ZORSettings::ForEachField([&](const char* name, auto field, unsigned since) {
-      if (since == 0) archive& boost::serialization::make_nvp(name, settings.*field);
-    });
-  }
-};
-
 namespace {
 
 constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
@@ -81,14 +57,68 @@ TEST(ZORSettings, EveryFieldIsStored) {
   });
 }
 
-TEST(ZORSettings, OfClassVersionZeroGetTheDefaultsOfWhatTheyLack) {
-  ZORSettings expected(2);
-  expected.max_order_polynomial_ = 3;
-  ForEachChangedField([&](const std::string& name, const ZORSettings& changed) {
-    ZORSettings read = changed;
-    testing::Load(testing::Store(OldZORSettings()), read);
-    EXPECT_TRUE(read == expected) << name;
-  });
+/// Settings none of whose fields is that of new ones.
+ZORSettings ChangedSettings() {
+  ZORSettings changed;
+  const auto change = [&](const char*, auto field, unsigned) { Change(changed.*field); };
+  MetamodelSettings::ForEachField(change);
+  ZORSettings::ForEachField(change);
+  return changed;
+}
+
+TEST(MetamodelSettings, OfEveryClassVersionAreRead) {
+  using Self = MetamodelSettings;
+  testing::Layout<Self, boost::serialization::track_selectively>(ChangedSettings())
+      .Field("use_boxcox_", &Self::use_boxcox_)
+      .Field("use_interpolation_", &Self::use_interpolation_)
+      .Field("use_polynomials_", &Self::use_polynomials_)
+      .Field("max_order_polynomial_", &Self::max_order_polynomial_)
+      .Field("use_MLS_", &Self::use_MLS_)
+      .Field("max_order_MLS_", &Self::max_order_MLS_)
+      .Field("use_anisotropic_MLS_", &Self::use_anisotropic_MLS_)
+      .Field("use_Kriging_", &Self::use_Kriging_)
+      .Field("use_anisotropic_Kriging_", &Self::use_anisotropic_Kriging_)
+      .Field("use_ASCMO_", &Self::use_ASCMO_)
+      .Field("testing_type_", &Self::testing_type_)
+      .Since(1, "coeff_factor_poly_", &Self::coeff_factor_poly_, 2.0)
+      .Since(1, "coeff_factor_mls_", &Self::coeff_factor_mls_, 8.0)
+      .Since(1, "coeff_factor_kriging_", &Self::coeff_factor_kriging_, 8.0)
+      .Since(1, "coeff_factor_ASCMO_", &Self::coeff_factor_ASCMO_, 8.0)
+      .Since(2, "custom_", &Self::custom_, decltype(Self::custom_)())
+      .Since(3, "use_limits_", &Self::use_limits_, false)
+      .Since(3, "limits_", &Self::limits_, std::make_pair(-kInfinity, kInfinity))
+      .Since(4, "custom_settings_", &Self::custom_settings_, decltype(Self::custom_settings_)())
+      .Since(4, "qmk_variables_", &Self::qmk_variables_, NameValueMap())
+      .ExpectEveryVersionIsRead(ChangedSettings());
+}
+
+TEST(ZORSettings, OfEveryClassVersionAreRead) {
+  using Self = ZORSettings;
+  testing::Layout<Self, boost::serialization::track_selectively>(ChangedSettings())
+      .BasePart<MetamodelSettings>("MetamodelSettings")
+      .Field("info_important_", &Self::info_important_)
+      .Field("use_significance_filter_", &Self::use_significance_filter_)
+      .Field("min_significance_", &Self::min_significance_)
+      .Field("step_significance_", &Self::step_significance_)
+      .Field("use_spearman_", &Self::use_spearman_)
+      .Field("use_coi_filter_", &Self::use_coi_filter_)
+      .Field("max_CoI_", &Self::max_CoI_)
+      .Field("step_CoI_", &Self::step_CoI_)
+      .Field("use_adj_cod_", &Self::use_adj_cod_)
+      .Field("use_cod_filter_", &Self::use_cod_filter_)
+      .Field("max_CoD_", &Self::max_CoD_)
+      .Field("step_CoD_", &Self::step_CoD_)
+      .Field("use_corr_filter_", &Self::use_corr_filter_)
+      .Field("num_corr_steps_", &Self::num_corr_steps_)
+      .Field("toleranceCoP_model_", &Self::toleranceCoP_model_)
+      .Field("toleranceCoP_variables_", &Self::toleranceCoP_variables_)
+      .Since(1, "use_input_corr_filter_", &Self::use_input_corr_filter_, false)
+      .Since(1, "corr_input_check_", &Self::corr_input_check_, 0.5)
+      .Since(1, "min_input_corr_", &Self::min_input_corr_, 0.3)
+      .Since(1, "max_input_corr_", &Self::max_input_corr_, 0.7)
+      .Since(1, "use_adj_cop_", &Self::use_adj_cop_, false)
+      .Since(2, "use_uniform_resample_", &Self::use_uniform_resample_, false)
+      .ExpectEveryVersionIsRead(ChangedSettings());
 }
 
 TEST(ZORSettings, EveryFieldIsComparedClonedAndResetUnlessOfTheBase) {

@@ -3,6 +3,7 @@
 #include <functional>
 #include <sstream>
 #include <string>
+#include <utility>
 
 #include "persistence/archive/archives.h"
 
@@ -22,7 +23,7 @@ struct FieldWriter {
 };
 
 /// Stands for a record of an older class version: the fields that `write` puts into the archive.
-template <unsigned Version>
+template <unsigned Version, int Tracking = boost::serialization::track_always>
 struct OldRecord {
   std::function<void(FieldWriter&)> write;
 
@@ -32,12 +33,19 @@ struct OldRecord {
   }
 };
 
+/// The bytes of a record of that version, stored by value.
+template <unsigned Version, int Tracking = boost::serialization::track_always>
+std::string StoreOld(std::function<void(FieldWriter&)> write) {
+  std::ostringstream stream;
+  const OldRecord<Version, Tracking> old{std::move(write)};
+  portable_binary_oarchive(stream, 0) << old;
+  return stream.str();
+}
+
 /// Writes the fields as an always tracked record of that version and reads them as a `Record`.
 template <class Record, unsigned Version>
 void ReadOld(Record& record, std::function<void(FieldWriter&)> write) {
-  std::stringstream stream;
-  const OldRecord<Version> old{std::move(write)};
-  portable_binary_oarchive(stream, 0) << old;
+  std::istringstream stream(StoreOld<Version>(std::move(write)));
   portable_binary_iarchive(stream, portable_binary_archive_impl::kThrowOnMismatch) >> record;
 }
 
@@ -45,18 +53,18 @@ void ReadOld(Record& record, std::function<void(FieldWriter&)> write) {
 
 namespace boost::serialization {
 
-template <unsigned Version>
-struct version<kestrel::testing::OldRecord<Version>> {
+template <unsigned Version, int Tracking>
+struct version<kestrel::testing::OldRecord<Version, Tracking>> {
   using tag = mpl::integral_c_tag;
   using type = mpl::int_<Version>;
   static constexpr unsigned value = Version;
 };
 
-template <unsigned Version>
-struct tracking_level<kestrel::testing::OldRecord<Version>> {
+template <unsigned Version, int Tracking>
+struct tracking_level<kestrel::testing::OldRecord<Version, Tracking>> {
   using tag = mpl::integral_c_tag;
-  using type = mpl::int_<track_always>;
-  static constexpr int value = track_always;
+  using type = mpl::int_<Tracking>;
+  static constexpr int value = Tracking;
 };
 
 }  // namespace boost::serialization

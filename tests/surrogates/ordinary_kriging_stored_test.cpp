@@ -6,6 +6,7 @@
 
 #include "support/exceptions.h"
 #include "support/matrix_compare.h"
+#include "support/read_to_the_end.h"
 #include "support/stored.h"
 #include "surrogates/kernels/kernel_constant_influence.h"
 #include "surrogates/kriging_samples.h"
@@ -162,7 +163,7 @@ StoredKriging<kVersion> Record() {
 TEST(StoredKriging, IsReadInEveryClassVersion) {
   OrdinaryKriging read((Matrix()), Vector());
   for (const std::string& file : {Store(Record<0>()), Store(Record<1>()), Store(Record<2>())}) {
-    Load(file, read);
+    testing::ReadToTheEnd(file, read);
     EXPECT_TRUE(MatrixNear(read.Approximate(kQuery), Plain().Approximate(kQuery), 0.0));
     EXPECT_TRUE(MatrixNear(read.ApproximateLeaveOneOut(), Plain().ApproximateLeaveOneOut(), 0.0));
     EXPECT_EQ(read.GetSettingsBase().GetNugget(), 1e-3);

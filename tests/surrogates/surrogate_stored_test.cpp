@@ -2,8 +2,10 @@
 
 #include <functional>
 
+#include "statistics/distances.h"
 #include "support/exceptions.h"
 #include "support/matrix_compare.h"
+#include "support/read_to_the_end.h"
 #include "support/stored.h"
 #include "surrogates/kernels/kernel_constant_influence.h"
 #include "surrogates/kernels/kernel_nodal_influence.h"
@@ -28,9 +30,9 @@ struct StoredSettings {
   }
 };
 
-template <unsigned kVersion>
+template <unsigned kVersion, unsigned kBaseVersion = kVersion == 0 ? 0 : 6>
 struct StoredRegression {
-  StoredBase<kVersion == 0 ? 0 : 6> base;
+  StoredBase<kBaseVersion> base;
   Vector coefficients_;
   Matrix coefficient_matrix_;
   StoredSettings<2> settings_;
@@ -76,8 +78,8 @@ struct StoredKernel {
 
 namespace boost::serialization {
 
-template <unsigned kVersion>
-struct version<kestrel::math::metamodel::StoredRegression<kVersion>> : mpl::int_<kVersion> {};
+template <unsigned kVersion, unsigned kBaseVersion>
+struct version<kestrel::math::metamodel::StoredRegression<kVersion, kBaseVersion>> : mpl::int_<kVersion> {};
 
 }  // namespace boost::serialization
 
@@ -224,9 +226,9 @@ TEST(StoredRegressions, WithoutTheirSampleAskForIt) {
 }
 
 /// The plain regression as its file holds it.
-template <unsigned kVersion>
-StoredRegression<kVersion> Record() {
-  StoredRegression<kVersion> record;
+template <unsigned kVersion, unsigned... kBaseVersion>
+StoredRegression<kVersion, kBaseVersion...> Record() {
+  StoredRegression<kVersion, kBaseVersion...> record;
   record.base.points_ = kPoints;
   record.base.values_ = kValues;
   record.base.trans_coord_ = CreateTransformation(eTransformation::kMinMax, {});
@@ -239,7 +241,7 @@ StoredRegression<kVersion> Record() {
 
 TEST(StoredRegressions, OfClassVersionZeroGetTheirSettings) {
   LinearRegression read((Matrix()), Vector());
-  Load(Store(Record<0>()), read);
+  testing::ReadToTheEnd(Store(Record<0>()), read);
   EXPECT_TRUE(read.BuildErrors());
   const LinearRegression plain = PlainRegression();
   EXPECT_TRUE(MatrixNear(read.Approximate(kQuery), plain.Approximate(kQuery), 0.0));
@@ -249,14 +251,79 @@ TEST(StoredRegressions, OfClassVersionZeroGetTheirSettings) {
   EXPECT_EQ(read.GetSettingsBase().GetCoordTransformation(), eTransformation::kMinMax);
 }
 
+/// Reads the file of an old version and one of the present version; what was read must be the same.
+template <class Read, class Old, class Present>
+void ExpectReadAlike(const Old& old, const Present& present, Read read) {
+  Read expected = read;
+  testing::ReadToTheEnd(Store(old), read);
+  Load(Store(present), expected);
+  EXPECT_TRUE(Store(read) == Store(expected));
+}
+
+/// A regression with everything that a file may hold beside the fit.
+template <unsigned kBaseVersion>
+StoredRegression<1, kBaseVersion> FullRecord() {
+  auto record = Record<1, kBaseVersion>();
+  record.base.residuals_ = Noise(40, 0.5, 7);
+  record.base.subsets_ = Fifths();
+  record.base.weights_ = Vector::LinSpaced(40, 0.5, 1.5);
+  record.base.trans_limit_ = CreateTransformation(eTransformation::kLimits, {2.5, 4.5});
+  record.base.trans_limit_->Build(kValues);
+  record.base.single_cops_ = Matrix::Constant(2, 2, 0.25);
+  record.base.points_radii_mean_ = 0.125;
+  return record;
+}
+
+template <unsigned kVersion>
+void ExpectBaseIsRead() {
+  SCOPED_TRACE("version " + std::to_string(kVersion));
+  auto present = FullRecord<6>();
+  StoredBase<6>& base = present.base;
+  if (kVersion < 6) base.points_radii_mean_ = statistics::CalcRadii(base.points_trans_reduced_, 2 * 2 + 1).mean();
+  if (kVersion < 5) base.single_cops_.resize(0, 0);
+  if (kVersion < 4) base.trans_limit_.reset();
+  if (kVersion < 3) base.subsets_.clear();
+  if (kVersion < 2) base.residuals_.resize(0), base.points_radii_mean_ = 0.0;  // not needed without errors
+  if (kVersion < 1) base.weights_.resize(0);
+  ExpectReadAlike(FullRecord<kVersion>(), present, LinearRegression(Matrix(), Vector()));
+}
+
+template <unsigned... kVersions>
+void ExpectBasesAreRead(std::integer_sequence<unsigned, kVersions...>) {
+  (ExpectBaseIsRead<kVersions>(), ...);
+}
+
 TEST(StoredSurrogates, OfOldClassVersionsGetTheDefaultsOfWhatTheyLack) {
-  StoredSettings<0> settings;
+  ExpectBasesAreRead(std::make_integer_sequence<unsigned, 7>());
+}
+
+/// Settings of the base none of which is the default.
+template <unsigned kVersion>
+StoredSettings<kVersion> FullSettings() {
+  StoredSettings<kVersion> settings;
+  settings.base.coord_transform_parameter_ = {0.0, 1.0};
   settings.base.value_transform_ = eTransformation::kBoxCox;
-  LinearRegressionSettings read_settings;
-  read_settings.SetLimitTransformation(eTransformation::kLimits);
-  Load(Store(settings), read_settings);
-  EXPECT_EQ(read_settings.GetValueTransformation(), eTransformation::kBoxCox);
-  EXPECT_EQ(read_settings.GetLimitTransformation(), eTransformation::kNone);
+  settings.base.value_transform_parameter_ = {0.5, 0.1, 10.1};
+  settings.base.handle_failed_ = 3;
+  settings.base.state_ = eState::kOptimal;
+  settings.base.limit_transform_ = eTransformation::kLimits;
+  settings.base.limit_transform_parameter_ = {2.5, 4.5};
+  settings.base.input_names_ = {L"width", L"height"};
+  return settings;
+}
+
+TEST(StoredSettings, OfOldClassVersionsGetTheDefaultsOfWhatTheyLack) {
+  LinearRegressionSettings used(3);
+  used.SetLimitTransformation(eTransformation::kLimits);
+  used.SetLimitTransformationParameter({0.0, 1.0});
+  used.SetInputNames({L"a", L"b", L"c"});
+  auto present = FullSettings<2>();
+  ExpectReadAlike(FullSettings<2>(), present, used);
+  present.base.input_names_.clear();
+  ExpectReadAlike(FullSettings<1>(), present, used);
+  present.base.limit_transform_ = eTransformation::kNone;
+  present.base.limit_transform_parameter_.clear();
+  ExpectReadAlike(FullSettings<0>(), present, used);
 }
 
 TEST(StoredSurrogates, AreRefusedWhereTheirPartsDoNotMatch) {

@@ -139,59 +139,6 @@ TEST(ResultRecords, AreStoredUnderTheirNamesInOrder) {
       "");
 }
 
-TEST(ResultRecords, ReadOldSystems) {
-  AlgorithmInfo::SystemsInformation read;
-  ReadOld<AlgorithmInfo::SystemsInformation, 2>(read, [](FieldWriter& field) {
-    const Details base;
-    const std::map<std::wstring, std::shared_ptr<DesignSet>> sets{{L"old", std::make_shared<DesignSet>()}};
-    field("DetailedInformationBase", base)("history_map_", HistoryMap());
-    field("internal_algo_history_names_", std::vector<std::wstring>{L"h"});
-    field("design_set_map_", sets)("index_id_map_", std::map<std::uint64_t, CHierachicalId>());
-    field("design_set_position_map_", std::map<std::wstring, std::uint64_t>{{L"old", 4}});
-    field("prefered_design_set_", std::wstring(L"old"));
-  });
-  EXPECT_EQ(read.design_set_position_map_.at(L"old"), 4u);
-  EXPECT_EQ(read.prefered_design_set_, L"old");
-  EXPECT_NE(read.design_sets_map_.at(L"old"), nullptr);
-}
-
-TEST(ResultRecords, ReadOldAlgorithmInformation) {
-  AlgorithmInfo read;
-  ReadOld<AlgorithmInfo, 3>(read, [](FieldWriter& field) {
-    field("algo_type_", AlgorithmInfo::eKind::kNone);
-    field("complete_directions_pair_", std::pair<std::uint64_t, std::uint64_t>(1, 2));
-    field("design_group_map_", std::map<std::wstring, std::vector<CHierachicalId>>{{L"g", {kId}}});
-    field("additional_data_", std::map<std::wstring, std::wstring>());
-    field("reli_iteration_infos_", std::vector<Numbers>{{{L"beta", 1.0}}});
-    field("desig_iteration_map_", std::map<std::uint64_t, std::vector<CHierachicalId>>());
-    field("zor_cv_indexes_", CVIndexes());
-    field("detailed_info_", boost::shared_ptr<Details>());
-  });
-  EXPECT_EQ(read.GetDesignGroups().at(L"g"), std::vector<CHierachicalId>{kId});
-  EXPECT_EQ(read.GetDetailedInfo(), nullptr);
-}
-
-TEST(ResultRecords, ReadOldReliabilityInformation) {
-  ReliabilityDesignSetInfo read;
-  ReadOld<ReliabilityDesignSetInfo, 1>(read, [](FieldWriter& field) {
-    using Ids = std::vector<CHierachicalId>;
-    field("safe_domain_designs_", Ids{kId})("unsafe_domain_designs_", Ids());
-    field("failed_strings_", std::vector<std::wstring>())("unsuccessful_designs_", Ids());
-    field("total_designs_", Ids())("most_probable_failure_point_id_", kId);
-    for (const char* name : {"probability_of_failure_", "standard_deviation_error_", "reliability_index_",
-                             "probability_of_failure_form_", "reliability_index_form_"}) {
-      field(name, 0.5);
-    }
-    field("method_name_", std::wstring(L"form"))("error_r2_", 0.1);
-    field("error_loo_", 0.2)("history_map_", HistoryMap());
-    field("arsm_ds_map_", std::map<std::wstring, Ids>{{L"x", {kId}}});
-    field("arsm_ds_types_", std::map<std::wstring, std::int32_t>());
-  });
-  EXPECT_EQ(read.error_loo_, 0.2);
-  EXPECT_EQ(read.arsm_ds_map_.size(), 1u);
-  EXPECT_TRUE(read.has_valid_data_);
-}
-
 // Limits are looked up by the position of a parameter, columns by its number: what would reach beyond them is refused.
 TEST(ResultRecords, RefuseSizesThatDoNotFit) {
   ZORInformation information;

@@ -107,40 +107,6 @@ TEST(Lyra, IgnoresDeactivatedDesignsThatAreNoArchive) {
   }
 }
 
-// Version 1 has no algorithm information: the surrogates stand beside the designs, whole and without ids.
-TEST(Lyra, RepairsTheFirstVersion) {
-  LYRA lyra = MakeLyra();
-  CriterionSequence criteria;
-  criteria.Add(L"goal", Criterion(enums::CriterionType::OBJECTIVE_MIN, L"r"));
-  for (Design& design : lyra.GetDesignContainer()) design.SetCriteria(criteria);
-  LYRA read;
-  ReadOld<LYRA, 1>(read, [&](FieldWriter& field) {
-    const bool consistent = false;
-    field("surrogate_infos_", lyra.GetAlgorithmInfo()->GetZORInfo()->GetSurrogateInfos());
-    field("parameter_manager_", std::as_const(lyra).GetParameterManager());
-    field("design_container_", std::as_const(lyra).GetDesignContainer());
-    field("is_consistent_", consistent)("reference_design_", lyra.GetReferenceDesign());
-  });
-  ASSERT_TRUE(read.GetAlgorithmInfo() && read.GetAlgorithmInfo()->IsZORInfo());
-  EXPECT_TRUE(ModelOf(read) == ModelOf(lyra));
-  const auto& infos = read.GetAlgorithmInfo()->GetZORInfo()->GetSurrogateInfos().GetInfos();
-  EXPECT_EQ(infos[0].GetUsedHIds().size(), 12u);
-  EXPECT_TRUE(read.GetCriteria().Contains(L"goal"));
-  EXPECT_EQ(Reread(read).GetDesignContainer().GetDesigns(), lyra.GetDesignContainer().GetDesigns());
-}
-
-TEST(Lyra, ReadsOldAttachedPaths) {
-  LYRAAttachedPath read(std::filesystem::path("other"), L"other");
-  read.SetArguments(L"dropped", true);
-  ReadOld<LYRAAttachedPath, 1>(read, [](FieldWriter& field) {
-    field("path_", std::filesystem::path("a/b"))("title_", std::wstring(L"t"));
-    field("isPathFix_", true)("arguments_", std::wstring(L"-x"));
-  });
-  LYRAAttachedPath expected("a/b", L"t", true);
-  expected.SetArguments(L"-x", false);
-  EXPECT_EQ(read, expected);
-}
-
 TEST(Lyra, KnowsWhetherParametersAreMissing) {
   LYRA lyra;
   EXPECT_NO_THROW(lyra.CheckConsistency());
