@@ -51,6 +51,7 @@ class DualActiveSet {
   Direction FindDirection(const Vector& projected) const;
   Index BlockingConstraint(const Vector& dual, double& length) const;
   void Append(Active entry, Vector projected);
+  void ReturnToActive();
   void Drop(Index position);
 
   const QuadraticProgram& program_;
@@ -166,6 +167,7 @@ eProgramResult DualActiveSet::TakeIn(Index constraint, double sign) {
     multiplier += length;
     if (primal_length <= dual_length) {
       Append({constraint, sign, multiplier}, projected);
+      ReturnToActive();
       return eProgramResult::kSolved;
     }
     Drop(blocking);
@@ -217,6 +219,27 @@ void DualActiveSet::Append(Active entry, Vector projected) {
   r_.col(q) = projected;
   is_active_[static_cast<std::size_t>(entry.constraint)] = true;
   active_.push_back(entry);
+}
+
+/// A step to the active constraints from far behind them, as under a gradient of 1e17, misses them by the digits it
+/// loses: d - J1 R^-T s, with s the slacks of the active constraints, meets them again. Rounding alone is left as it
+/// is.
+void DualActiveSet::ReturnToActive() {
+  constexpr double kMissed = 1e-8;  // of what the slack consists of
+  const Index q = NumActive();
+  Vector slacks(q);
+  bool is_met = true;
+  for (Index i = 0; i < q; ++i) {
+    const Index constraint = At(i).constraint;
+    const bool is_row = constraint < program_.offsets.size();
+    const double offset = is_row ? std::abs(program_.offsets(constraint)) : 0.0;
+    const double length = is_row ? normal_lengths_(constraint) : 1.0;
+    slacks(i) = At(i).sign * Slack(constraint);
+    is_met = is_met && std::abs(slacks(i)) <= kMissed * (offset + length * step_.norm());
+  }
+  if (is_met) return;
+  r_.topLeftCorner(q, q).triangularView<Eigen::Upper>().transpose().solveInPlace(slacks);
+  step_ -= j_.leftCols(q) * slacks;
 }
 
 /// Takes a column out of R; rotations of the rows below bring it back to a triangle.

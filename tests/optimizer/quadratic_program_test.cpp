@@ -168,8 +168,33 @@ TEST(QuadraticProgram, EqualityThatFollowsFromAnotherIsHarmless) {
   EXPECT_EQ(ql_(data.View(), 0.0).result, eProgramResult::kInconsistent);
 }
 
+/// A gradient of 1e17 puts the free minimum so far away that the step back loses all digits of the active constraints.
+TEST(QuadraticProgram, MeetsActiveConstraintsFromFarAway) {
+  ProgramData data = PlainProgram(2, 1);
+  data.gradient << 1e17, 3e16;
+  data.normals << 1.0, 2.0;
+  data.offsets << 4.0;
+  const ProgramSolution solution = ql_(data.View(), 0.0);
+  ASSERT_EQ(solution.result, eProgramResult::kSolved);
+  EXPECT_TRUE(MatrixNear(solution.step, (Vector(2) << -10.0, 3.0).finished(), 1e-12));
+  EXPECT_NEAR(solution.multipliers(0), 1.5e16, 1e3);
+}
+
+TEST(QuadraticProgram, ToleranceSaysWhichViolationsCount) {
+  ProgramData data = PlainProgram(1, 1);
+  data.gradient << -0.95;
+  data.normals << 1.0;
+  data.offsets << -1.0;
+  EXPECT_NEAR(ql_(data.View(), 0.0).step(0), 1.0, 1e-12);
+  EXPECT_EQ(ql_(data.View(), 0.1).step(0), 0.95);
+  data.normals << 0.0;  // -1 >= 0
+  EXPECT_EQ(ql_(data.View(), 0.0).result, eProgramResult::kInconsistent);
+}
+
 TEST(QuadraticProgram, RefusesMatrixThatIsNotPositiveDefinite) {
   ProgramData data = PlainProgram(2, 0);
+  data.matrix << 1.0, 0.0, 0.0, 1e-34;  // nor safely so
+  EXPECT_EQ(ql_(data.View(), 0.0).result, eProgramResult::kNotSolved);
   data.matrix << 1.0, 2.0, 2.0, 1.0;
   EXPECT_EQ(ql_(data.View(), 0.0).result, eProgramResult::kNotSolved);
   data.matrix(0, 0) = std::numeric_limits<double>::quiet_NaN();
