@@ -84,7 +84,7 @@ void NLPQLP::DoStep() {
 void NLPQLP::Clear() {
   IFAIL = 0;
   KWA.setZero();
-  if (!LQL) D.setOnes();  // it held the factor of the last matrix
+  if (!LQL && MODE == 0) D.setOnes();  // it held the factor of the last matrix
 }
 
 Index NLPQLP::GetNumAwaitedPoints() const { return KWA(SolverMemory::kAwaitedPoints); }

@@ -38,7 +38,8 @@ class NLPQLP {
   void SetDefaultParameters();
   /// Calls the solver once.
   void DoStep();
-  /// Forgets the run: the next step starts anew at the first column of X. Options and bounds stay.
+  /// Forgets the run: the next step starts anew at the first column of X. Options and bounds stay, in mode 1 also what
+  /// the run has learnt: U, C and D.
   void Clear();
 
   /// How many columns of X are to be evaluated after IFAIL = -1: one at the start, L in the line search.

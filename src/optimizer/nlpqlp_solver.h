@@ -22,7 +22,7 @@ enum class eIfail : int {
   kIterationLimit = 1,    ///< MAXIT iterations made
   kNoDescent = 2,         ///< the quadratic program has no solution or leads nowhere, even with a fresh matrix
   kLineSearchFailed = 3,  ///< MAXFUN calls without a better point, even with a fresh matrix
-  kInfeasible = 4,        ///< the linearised constraints contradict each other and the violation is stationary
+  kInfeasible = 4,        ///< the linearised constraints contradict each other; no step takes a share off every one
   kNotFinite = 5,         ///< start or gradient could not be evaluated
   kWrongArguments = 6,    ///< sizes or options that do not fit each other
   kWorkArraysTooShort = 7,

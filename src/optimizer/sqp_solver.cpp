@@ -64,7 +64,8 @@ void SqpSolver::Iterate() {
       KeepSolution(solution);
       if (IsOptimal()) return End(eIfail::kConverged);
       if (at_.iterations >= arg_.MAXIT) return End(eIfail::kIterationLimit);
-      if (solution.relaxation > 1.0 - 1e-8) return End(eIfail::kInfeasible);
+      const bool violated = Violation(at_.constraints, arg_.ME) > std::max(arg_.ACC, 10.0 * kEpsilon);
+      if (violated && solution.relaxation > 1.0 - 1e-8) return End(eIfail::kInfeasible);
       if (FindDescent(solution)) return BeginLineSearch();
     }
     if (at_.is_fresh != 0) return EndWithoutProgress(eIfail::kNoDescent);
@@ -150,8 +151,9 @@ void SqpSolver::RaisePenalties(double curvature, double relaxation) {
 void SqpSolver::Remember(Index column) {
   const auto constraints = arg_.G.col(column).head(m_);
   if (at_.has_best != 0) {
-    const double violation = std::max(arg_.ACC, Violation(constraints, arg_.ME));
-    const double best_violation = std::max(arg_.ACC, Violation(at_.best_constraints, arg_.ME));
+    const double accuracy = std::max(arg_.ACC, 10.0 * kEpsilon);
+    const double violation = std::max(accuracy, Violation(constraints, arg_.ME));
+    const double best_violation = std::max(accuracy, Violation(at_.best_constraints, arg_.ME));
     const bool better =
         violation < best_violation || (violation == best_violation && arg_.F(column) < at_.best_objective);
     if (!better) return;

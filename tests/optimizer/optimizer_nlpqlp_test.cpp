@@ -1,16 +1,20 @@
 #include "optimizer/optimizer_nlpqlp.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cmath>
 #include <functional>
 #include <limits>
+#include <memory>
+#include <sstream>
 #include <string>
 #include <vector>
 
 #include "optimizer/test_problems.h"
 #include "support/exceptions.h"
+#include "support/log.h"
 #include "support/matrix_compare.h"
 
 namespace kestrel::algorithm::optimizer {
@@ -159,20 +163,61 @@ TEST(OptimizerNlpqlp, LivesWithExtraDesignsThatFail) {
   EXPECT_TRUE(MatrixNear(forward.GetBestInputs(), (Matrix(1, 2) << 0.9, -0.26).finished(), 1e-3));
 }
 
-TEST(OptimizerNlpqlp, EndsWhereNothingCanBeEvaluated) {
-  Optimizer optimizer(TwoInputs(-2.0, 2.0, 0.5, 0.25));
-  Solve(optimizer, [](const Vector&) { return Vector(); });
-  EXPECT_FALSE(optimizer.IsConverged());
-  EXPECT_LE(optimizer.GetNumEvaluations(), 3U);
-  EXPECT_EQ(optimizer.GetBestInputs(), (Matrix(1, 2) << 0.5, 0.25).finished());
-  EXPECT_TRUE(std::isnan(optimizer.GetBestObjectives()(0, 0)));
+struct RunEnding {
+  const wchar_t* reason;
+  Settings settings;
+  Model model;
+  bool converged;
+  std::uint64_t most_designs;
+};
 
-  Optimizer reached(TwoInputs(-2.0, 2.0, 0.5, 0.25));  // everything but the start and its gradient fails
-  int calls = 0;
-  Solve(reached, [&](const Vector& x) { return ++calls > 3 ? Vector() : Bowl(x); });
-  EXPECT_FALSE(reached.IsConverged());
-  EXPECT_LT(calls, 60);
-  EXPECT_LE(reached.GetBestObjectives()(0, 0), Bowl((Vector(2) << 0.5, 0.25).finished())(0));
+TEST(OptimizerNlpqlp, LogsWhyItEnded) {
+  Settings plain = TwoInputs(-2.0, 2.0, 0.5, 0.25);
+  Settings constrained(2, 1, 0, 2);
+  constrained.SetLowerBounds(plain.GetLowerBounds());
+  constrained.SetUpperBounds(plain.GetUpperBounds());
+  constrained.SetStartDesigns(plain.GetStartDesigns());
+  Settings valley(40);
+  valley.SetStartDesigns(Matrix::Constant(1, 40, -1.0));
+  valley.SetAccuracy(1e-10);
+  Settings short_run = plain;
+  short_run.SetMaxNumFunctionCalls(4);
+  const auto start_and_gradient = [calls = 0](const Vector& x) mutable { return ++calls > 3 ? Vector() : Bowl(x); };
+  const RunEnding endings[] = {
+      {L"The conditions of an optimum are fulfilled.", plain, Bowl, true, 60},
+      {L"The largest number of function calls is reached.", short_run, Bowl, false, 4},
+      {L"The start design or a gradient can not be evaluated.", plain, [](const Vector&) { return Vector(); }, false,
+       3},
+      {L"The line search found no better design.", plain, start_and_gradient, false, 60},
+      {L"The constraints contradict each other around the present design.", constrained,
+       [](const Vector& x) { return (Vector(3) << x.squaredNorm(), x(0) - 1.0, -1.0 - x(0)).finished(); }, false, 60},
+      {L"The largest number of iterations is reached.", valley,
+       [](const Vector& x) {
+         const auto turns = x.tail(39).array() - x.head(39).array().square();
+         return Value(100.0 * turns.square().sum() + (1.0 - x.head(39).array()).square().sum());
+       },
+       false, 10000},
+  };
+  for (const RunEnding& ending : endings) {
+    SCOPED_TRACE(&ending - endings);
+    std::wostringstream log;
+    Optimizer optimizer(ending.settings, std::make_shared<utils::log::BasicStreamLog>(log));
+    double start = kNaN;
+    const Model model = [&](const Vector& x) {
+      const Vector values = ending.model(x);
+      if (std::isnan(start) && values.size() > 0) start = values(0);
+      return values;
+    };
+    Solve(optimizer, model, 0, static_cast<Index>(ending.settings.GetNumInequalities()));
+    EXPECT_THAT(log.str(), ::testing::HasSubstr(ending.reason));
+    EXPECT_EQ(optimizer.IsConverged(), ending.converged);
+    EXPECT_LE(optimizer.GetNumEvaluations(), ending.most_designs);
+    EXPECT_EQ(std::isnan(optimizer.GetBestObjectives()(0, 0)), std::isnan(start));
+    EXPECT_FALSE(optimizer.GetBestObjectives()(0, 0) > start);
+    if (std::isnan(start)) {
+      EXPECT_EQ(optimizer.GetBestInputs(), ending.settings.GetStartDesigns());
+    }
+  }
 }
 
 /// Designs evaluated at a place of their own, here on a grid: the gradient comes from a regression over what was met.
@@ -220,29 +265,35 @@ TEST(OptimizerNlpqlp, LimitsTheFirstStepOnly) {
   EXPECT_NEAR(optimizer.GetBestObjectives()(0, 0), 0.0, 1e-5);
 }
 
-/// From the 12th design on the model fails, until the first run has given up: a restart then finishes the work.
+/// From the 12th design on the model fails, until the first run has given up: a restart then finishes the work. Where
+/// it fails after the optimum was found, the optimum stays.
 TEST(OptimizerNlpqlp, RestartsGoOnFromTheBestDesign) {
   OptimizerSettingsNLPQLPRestart<double> settings(2);
   settings.SetLowerBounds(Vector::Constant(2, -2.0));
   settings.SetUpperBounds(Vector::Constant(2, 2.0));
   settings.SetStartDesigns(Matrix::Constant(1, 2, 1.5));
-  const auto solve = [&](std::uint64_t restarts, std::uint64_t last_failing) {
+  const auto solve = [&](std::uint64_t restarts, std::uint64_t first_failing, std::uint64_t last_failing) {
     settings.SetMaxRestarts(restarts);
     Optimizer optimizer(settings);
     std::uint64_t calls = 0;
     Solve(optimizer, [&](const Vector& x) {
       ++calls;
-      return calls > 11 && calls <= last_failing ? Vector() : Bowl(x);
+      return calls >= first_failing && calls <= last_failing ? Vector() : Bowl(x);
     });
     return optimizer;
   };
-  const Optimizer given_up = solve(0, 1000000);
+  constexpr std::uint64_t kAlways = 1000000;
+  const Optimizer given_up = solve(0, 12, kAlways);
   EXPECT_FALSE(given_up.IsConverged());
-  const Optimizer restarted = solve(3, given_up.GetNumEvaluations());
+  const Optimizer restarted = solve(3, 12, given_up.GetNumEvaluations());
   EXPECT_TRUE(restarted.IsConverged());
   EXPECT_NEAR(restarted.GetBestObjectives()(0, 0), 2.0, 1e-5);
   EXPECT_GT(given_up.GetBestObjectives()(0, 0), restarted.GetBestObjectives()(0, 0) + 1e-3);
   EXPECT_LT(restarted.GetNumEvaluations(), given_up.GetNumEvaluations() + 60);
+  const std::uint64_t enough = solve(0, kAlways, kAlways).GetNumEvaluations();
+  const Optimizer found = solve(3, enough + 1, kAlways);
+  EXPECT_GT(found.GetNumEvaluations(), enough);
+  EXPECT_TRUE(found.IsConverged());
 }
 
 TEST(OptimizerNlpqlp, ResetBeginsAnewAtTheBestDesign) {
@@ -251,12 +302,15 @@ TEST(OptimizerNlpqlp, ResetBeginsAnewAtTheBestDesign) {
   optimizer.ResetBFGS(10.0);
   EXPECT_EQ(optimizer.GetNextDesigns().row(0), optimizer.GetBestInputs());
   EXPECT_THROW(optimizer.ResetBFGS(0.0), utils::runtime_error);
+  EXPECT_THROW(optimizer.ResetBFGS(std::numeric_limits<double>::infinity()), utils::runtime_error);
   Optimizer appraised(TwoInputs(-2.0, 2.0, 1.5, 1.5));
   appraised.SetInputs(appraised.GetNextDesigns());
   appraised.SetObjectives(Matrix::Ones(3, 1));
   appraised.Appraise();
   EXPECT_THROW(appraised.ResetBFGS(), utils::runtime_error);
   Solve(optimizer, Bowl);
+  optimizer.ResetBFGS();  // behind the end without effect
+  EXPECT_TRUE(optimizer.IsTerminated());
   EXPECT_TRUE(optimizer.IsConverged());
   EXPECT_NEAR(optimizer.GetBestObjectives()(0, 0), 2.0, 1e-5);
 }
@@ -274,6 +328,11 @@ TEST(OptimizerNlpqlp, CloneGoesOnByItself) {
 }
 
 TEST(OptimizerNlpqlp, RefusesSettingsThatCannotWork) {
+  Settings coarse = TwoInputs(-2.0, 2.0, 1.0, 0.0);
+  coarse.SetAccuracy(0.5);
+  std::wostringstream log;
+  Optimizer(coarse, std::make_shared<utils::log::BasicStreamLog>(log));  // a warning, which goes to the log
+  EXPECT_THAT(log.str(), ::testing::HasSubstr(L"The desired accuracy should be between 1e-10 and 0.1, obtained 0.5"));
   Settings settings = TwoInputs(-2.0, 2.0, 5.0, 0.0);
   EXPECT_THROW(Optimizer{settings}, utils::runtime_error);
   settings = TwoInputs(-2.0, 2.0, 1.0, 0.0);
