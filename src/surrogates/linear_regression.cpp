@@ -98,14 +98,8 @@ void LinearRegression::SolveAndFinish() {
   } else {
     coefficients_ = PrepareNormalEquations().Solve(RightHandSides(coefficient_matrix_, values, weights_));
   }
-  WriteTransformationParameters();
+  WriteTransformationParameters(settings_);
   need_build_ = false;
-}
-
-void LinearRegression::WriteTransformationParameters() {
-  if (trans_coord_) settings_.SetCoordTransformationParameter(trans_coord_->GetParameters());
-  if (trans_value_) settings_.SetValueTransformationParameter(trans_value_->GetParameters());
-  if (trans_limit_) settings_.SetLimitTransformationParameter(trans_limit_->GetParameters());
 }
 
 bool LinearRegression::BuildOptimal(const Subsets& /*subsets*/) {

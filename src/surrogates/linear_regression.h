@@ -65,7 +65,6 @@ class LinearRegression final : public SurrogateBase {
   void RestoreDerivedData() override;
 
   bool HasEnoughPoints() const;
-  void WriteTransformationParameters();
   void DropBasis();
   /// Makes `coefficient_matrix_` unless it stands for the coordinates and terms in force.
   void PrepareBasis();

@@ -50,7 +50,7 @@ void LinearRegression::RestoreSettings(LinearRegressionSettings settings) {
   settings_.SetCoordTransformation(TypeOf(trans_coord_.get()));
   settings_.SetValueTransformation(TypeOf(trans_value_.get()));
   settings_.SetLimitTransformation(TypeOf(trans_limit_.get()));
-  WriteTransformationParameters();
+  WriteTransformationParameters(settings_);
   if (!(settings_ == LinearRegressionSettings(settings_.GetNumInputs()))) settings_.SetState(eState::kGiven);
 }
 

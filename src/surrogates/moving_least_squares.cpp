@@ -68,15 +68,9 @@ bool MovingLeastSquares::Build() {
   points_trans_reduced_ = SelectVariablesFromPoints(points, GetVariableSelection());
   values_trans_ = TransformSupportValues();
   coefficient_matrix_ = settings_.GetOrder() == 0 ? Matrix() : BasisAt(points);
-  WriteTransformationParameters();
+  WriteTransformationParameters(settings_);
   need_build_ = false;
   return true;
-}
-
-void MovingLeastSquares::WriteTransformationParameters() {
-  if (trans_coord_) settings_.SetCoordTransformationParameter(trans_coord_->GetParameters());
-  if (trans_value_) settings_.SetValueTransformationParameter(trans_value_->GetParameters());
-  if (trans_limit_) settings_.SetLimitTransformationParameter(trans_limit_->GetParameters());
 }
 
 std::unique_ptr<KernelBase> MovingLeastSquares::MakeKernel() const {

@@ -90,7 +90,6 @@ class MovingLeastSquares final : public SurrogateBase {
   };
 
   bool HasEnoughPoints() const;
-  void WriteTransformationParameters();
   /// The kernel of the settings, with its parameters.
   std::unique_ptr<KernelBase> MakeKernel() const;
   /// The basis at points in the coordinates of the model; a column of ones for order 0.

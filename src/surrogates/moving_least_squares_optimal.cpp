@@ -2,8 +2,8 @@
 #include <utility>
 
 #include "statistics/basic_statistics.h"
+#include "surrogates/boxcox_regression.h"
 #include "surrogates/grouped_rows.h"
-#include "surrogates/linear_regression.h"
 #include "surrogates/moving_least_squares.h"
 
 // What MovingLeastSquares finds by search: the value transformation, the radius, and the importance of the inputs.
@@ -31,22 +31,12 @@ bool MovingLeastSquares::BuildOptimal(const Subsets& subsets) {
 
 bool MovingLeastSquares::BuildOptimalBoxCox() {
   residuals_.resize(0);
-  LinearRegression regression(points_, values_);
-  LinearRegressionSettings quadratic(static_cast<std::uint64_t>(points_.cols()));
-  quadratic.SetCoordTransformation(settings_.GetCoordTransformation());
-  quadratic.SetCoordTransformationParameter(settings_.GetCoordTransformationParameter());
-  quadratic.SetValueTransformation(settings_.GetValueTransformation());
-  quadratic.SetValueTransformationParameter(settings_.GetValueTransformationParameter());
   // Where the local basis itself lacks rank, so would the larger one of the regression.
-  quadratic.SetOrder(CheckBeforeBuild() ? 2 : 1);
-  quadratic.SetVariableSelection(GetVariableSelection());
-  regression.Initialize(quadratic);
-  CheckInterrupted();
-  regression.BuildOptimalBoxCox();
-
-  InitializeValueTransformation(eTransformation::kBoxCox, regression.GetTransValue()->GetParameters());
+  const ePolynomial terms = CheckBeforeBuild() ? ePolynomial::kQuadratic : ePolynomial::kLinear;
+  const auto regression = FitBoxCoxRegression(*this, {terms}, stop_helper_);
+  InitializeValueTransformation(eTransformation::kBoxCox, regression->GetTransValue()->GetParameters());
   settings_.SetValueTransformation(eTransformation::kBoxCox);
-  WriteTransformationParameters();
+  WriteTransformationParameters(settings_);
   settings_.SetState(eState::kOptimal);
   Build();
   return true;

@@ -74,7 +74,7 @@ bool OrdinaryKriging::Build() {
              !BuildLikelihood(values_trans_, correlation_)) {
     return false;
   }
-  WriteTransformationParameters();
+  WriteTransformationParameters(settings_);
   return true;
 }
 
@@ -121,12 +121,6 @@ void OrdinaryKriging::SolveForWeights(const VectorIn& z) {
   negative_log_likelihood_ =
       0.5 * (size * std::log(sigma2_ > kLeastVariance ? sigma2_ : kLeastVariance) + factor_.LogDeterminant());
   need_build_ = false;
-}
-
-void OrdinaryKriging::WriteTransformationParameters() {
-  if (trans_coord_) settings_.SetCoordTransformationParameter(trans_coord_->GetParameters());
-  if (trans_value_) settings_.SetValueTransformationParameter(trans_value_->GetParameters());
-  if (trans_limit_) settings_.SetLimitTransformationParameter(trans_limit_->GetParameters());
 }
 
 void OrdinaryKriging::KernelParameterChanged(KernelBase& kernel, const VectorIn& parameter) {

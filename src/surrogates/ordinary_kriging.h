@@ -100,7 +100,6 @@ class OrdinaryKriging final : public SurrogateBase {
   /// Points and values as the fit takes them.
   void PrepareSample();
   void SolveForWeights(const VectorIn& z);
-  void WriteTransformationParameters();
   KrigingCorrelation MakeCorrelation() const;
   const utils::StopHelper* Stop() const { return stop_helper_.get(); }
 

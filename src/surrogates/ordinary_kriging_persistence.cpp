@@ -52,7 +52,7 @@ void OrdinaryKriging::RestoreSettings(const KernelBase* kernel, double nugget) {
   settings.SetLimitTransformation(trans_limit_ ? eTransformation::kLimits : eTransformation::kNone);
   settings.SetState(eState::kGiven);
   settings_ = std::move(settings);
-  WriteTransformationParameters();
+  WriteTransformationParameters(settings_);
 }
 
 template <class Archive>

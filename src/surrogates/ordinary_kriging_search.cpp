@@ -5,7 +5,7 @@
 #include <stdexcept>
 
 #include "statistics/basic_statistics.h"
-#include "surrogates/linear_regression.h"
+#include "surrogates/boxcox_regression.h"
 
 // The frame of the searches for the free parameters of a Kriging model.
 
@@ -90,7 +90,7 @@ bool OrdinaryKriging::HyperparameterSearch::BuildBest() {
       !model_.BuildLikelihood(model_.values_trans_, model_.correlation_)) {
     return false;
   }
-  model_.WriteTransformationParameters();
+  model_.WriteTransformationParameters(model_.settings_);
   return true;
 }
 
@@ -116,23 +116,12 @@ bool OrdinaryKriging::BuildOptimal(const Subsets& subsets) {
 
 bool OrdinaryKriging::BuildOptimalBoxCox() {
   residuals_.resize(0);
-  LinearRegressionSettings quadratic(static_cast<std::uint64_t>(points_.cols()));
-  quadratic.SetOrder(2);
-  quadratic.SetCoordTransformation(settings_.GetCoordTransformation());
-  quadratic.SetCoordTransformationParameter(settings_.GetCoordTransformationParameter());
-  quadratic.SetValueTransformation(settings_.GetValueTransformation());
-  quadratic.SetValueTransformationParameter(settings_.GetValueTransformationParameter());
-  quadratic.SetVariableSelection(GetVariableSelection());
-  LinearRegression regression(points_, values_);
-  regression.SetStopHelper(stop_helper_);
-  regression.Initialize(quadratic);
-  utils::CheckInterrupted(Stop());
-  regression.BuildOptimalBoxCox();  // with too few samples for a search the exponent stays what it is
-
-  const LinearRegressionSettings& fitted = regression.GetSettingsBase();
+  // With too few samples for a search the exponent stays what it is.
+  const auto regression = FitBoxCoxRegression(*this, {ePolynomial::kQuadratic}, stop_helper_);
+  const LinearRegressionSettings& fitted = regression->GetSettingsBase();
   InitializeValueTransformation(fitted.GetValueTransformation(), fitted.GetValueTransformationParameter());
   settings_.SetValueTransformation(fitted.GetValueTransformation());
-  WriteTransformationParameters();
+  WriteTransformationParameters(settings_);
   settings_.SetState(eState::kOptimal);
   Build();  // false while the radii are to be searched
   return true;

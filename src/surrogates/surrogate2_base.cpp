@@ -192,6 +192,12 @@ Vector SurrogateBase::ForwardValues() const {
   return trans_value_ ? Vector(trans_value_->ScaleForward(values_)) : values_;
 }
 
+void SurrogateBase::WriteTransformationParameters(SurrogateSettingsBase& settings) const {
+  if (trans_coord_) settings.SetCoordTransformationParameter(trans_coord_->GetParameters());
+  if (trans_value_) settings.SetValueTransformationParameter(trans_value_->GetParameters());
+  if (trans_limit_) settings.SetLimitTransformationParameter(trans_limit_->GetParameters());
+}
+
 bool SurrogateBase::AnyTransformNeedsBuild() const {
   return (trans_coord_ && trans_coord_->GetNeedBuild()) || (trans_value_ && trans_value_->GetNeedBuild()) ||
          (trans_limit_ && trans_limit_->GetNeedBuild());

@@ -126,6 +126,8 @@ class SurrogateBase {
   /// The values on the scale of the fit by the transformation as it stands.
   Vector ForwardValues() const;
 
+  /// Puts the parameters of the transformations as they stand into the settings of the model.
+  void WriteTransformationParameters(SurrogateSettingsBase& settings) const;
   bool AnyTransformNeedsBuild() const;
   void DropResults();
   /// True while the transformed support points that the last build used are still theirs.

@@ -2,15 +2,14 @@
 
 #include <boost/format.hpp>
 #include <cmath>
-#include <functional>
 #include <limits>
 #include <stdexcept>
 #include <typeinfo>
 
 #include "statistics/basic_statistics.h"
 #include "support/error_report.h"
+#include "surrogates/boxcox_regression.h"
 #include "surrogates/grouped_rows.h"
-#include "surrogates/linear_regression.h"
 
 namespace kestrel::math::metamodel {
 namespace {
@@ -82,15 +81,9 @@ bool SurrogateTPS::Solve(const Vector& values, double smoothing) {
   if (!values.allFinite() || !system_->Factorise(smoothing)) return false;
   spline_ = system_->Solve(values);
   settings_.SetSmoothing(smoothing);
-  WriteTransformationParameters();
+  WriteTransformationParameters(settings_);
   need_build_ = false;
   return true;
-}
-
-void SurrogateTPS::WriteTransformationParameters() {
-  if (trans_coord_) settings_.SetCoordTransformationParameter(trans_coord_->GetParameters());
-  if (trans_value_) settings_.SetValueTransformationParameter(trans_value_->GetParameters());
-  if (trans_limit_) settings_.SetLimitTransformationParameter(trans_limit_->GetParameters());
 }
 
 bool SurrogateTPS::BuildOptimal(const Subsets& subsets) {
@@ -107,24 +100,10 @@ bool SurrogateTPS::BuildOptimal(const Subsets& subsets) {
 }
 
 void SurrogateTPS::FindBoxCox() {
-  utils::CheckInterrupted(stop_helper_.get());
-  LinearRegression regression(points_, values_);
-  LinearRegressionSettings terms(settings_.GetNumInputs());
-  terms.SetCoordTransformation(settings_.GetCoordTransformation());
-  terms.SetValueTransformation(eTransformation::kBoxCox);
-  const std::function<void()> simplify[] = {[&] { terms.SetOrder(2); }, [&] { terms.SetInteraction(false); },
-                                            [&] { terms.SetOrder(1); }};
-  for (const auto& step : simplify) {
-    step();
-    terms.SetVariableSelection(GetVariableSelection());
-    regression.Initialize(terms);
-    if (!regression.CheckBeforeBuild()) continue;
-    if (regression.BuildOptimalBoxCox()) {
-      InitializeValueTransformation(eTransformation::kBoxCox,
-                                    regression.GetSettingsBase().GetValueTransformationParameter());
-    }
-    return;
-  }
+  const auto regression = FitBoxCoxRegression(
+      *this, {ePolynomial::kQuadratic, ePolynomial::kQuadraticWithoutInteractions, ePolynomial::kLinear}, stop_helper_);
+  InitializeValueTransformation(eTransformation::kBoxCox,
+                                regression->GetSettingsBase().GetValueTransformationParameter());
 }
 
 double SurrogateTPS::FindSmoothing(const Vector& values, const Subsets& subsets) {

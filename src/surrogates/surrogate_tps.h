@@ -64,7 +64,6 @@ class SurrogateTPS final : public SurrogateBase {
   void FindBoxCox();
   /// The smoothing with the least error of the cross-validation; that of the settings if none has any.
   double FindSmoothing(const Vector& values, const Subsets& subsets);
-  void WriteTransformationParameters();
 
   ThinPlate spline_;
   std::shared_ptr<ThinPlateSystem> system_;  ///< not stored; copies share it, a build makes its own
