@@ -15,17 +15,6 @@ namespace {
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
 constexpr double kCoincident = 1e-12;  // as a share of the largest distance or of the range
 
-// Adds to `distances` the squared distances of `point`, a row of m, to the last distances.size() rows of m, over one
-// column after the other. Differences first: rows that coincide are at exactly 0, and near rows keep their digits,
-// which a matrix product of the coordinates would lose.
-template <class Point, class Distances>
-void SquaredDistances(const MatrixIn& m, const Point& point, Distances&& distances) {
-  distances.setZero();
-  for (Index j = 0; j < m.cols(); ++j) {
-    distances += (m.col(j).tail(distances.size()).array() - point(j)).square();
-  }
-}
-
 // The gaps between sorted neighbours of a column, without its NaN entries.
 Vector Gaps(const VectorIn& column) {
   Vector sorted = RemoveNan(column);
@@ -38,12 +27,19 @@ Matrix SelectColumns(const MatrixIn& m, const std::vector<Index>& columns) { ret
 
 }  // namespace
 
+void CalcSquaredDistances(const MatrixIn& m, const RowIn& point, Eigen::Ref<Vector> distances) {
+  distances.setZero();
+  for (Index j = 0; j < m.cols(); ++j) {
+    distances.array() += (m.col(j).tail(distances.size()).array() - point(j)).square();
+  }
+}
+
 Matrix CalcDistanceMatrix(const MatrixIn& m) {
   if (m.size() == 0) error::Report(L"Empty data matrix");
   const Index n = m.rows();
   Matrix distances = Matrix::Zero(n, n);
   for (Index i = 0; i + 1 < n; ++i) {
-    SquaredDistances(m, m.row(i), distances.col(i).tail(n - i - 1).array());
+    CalcSquaredDistances(m, m.row(i), distances.col(i).tail(n - i - 1));
     distances.row(i).tail(n - i - 1) = distances.col(i).tail(n - i - 1).transpose();
   }
   return distances;
@@ -89,7 +85,7 @@ Vector CalcRadii(const MatrixIn& m, std::uint64_t k) {
   const auto rank = static_cast<Index>(std::clamp<std::uint64_t>(k, 1, static_cast<std::uint64_t>(n)) - 1);
   Eigen::ArrayXd distances(n);
   for (Index i = 0; i < n; ++i) {
-    SquaredDistances(m, m.row(i), distances);
+    CalcSquaredDistances(m, m.row(i), distances.matrix());
     // A row with a NaN is no neighbour of any; the selection below needs a strict order.
     distances = distances.isNaN().select(kInfinity, distances);
     std::nth_element(distances.begin(), distances.begin() + rank, distances.end());
@@ -118,7 +114,7 @@ Vector CalcDensity(const MatrixIn& points, const MatrixIn& support, const boost:
   Vector density(points.rows());
   Eigen::ArrayXd distances(support.rows());
   for (Index q = 0; q < points.rows(); ++q) {
-    SquaredDistances(selected, queries.row(q), distances);
+    CalcSquaredDistances(selected, queries.row(q), distances.matrix());
     density(q) = (distances * factor).exp().sum();
   }
   return density;

@@ -7,6 +7,14 @@
 /// Distances between the rows of sample matrices. All distances are squared Euclidean but for the radii.
 namespace kestrel::math::statistics {
 
+/// A row of a matrix, without a copy.
+using RowIn = Eigen::Ref<const Eigen::RowVectorXd, 0, Eigen::InnerStride<>>;
+
+/// Squared distances of `point`, with an entry per column of m, from the last distances.size() rows of m. They are
+/// sums of squared differences: rows that coincide are at exactly 0, and near rows keep their digits, which a matrix
+/// product of the coordinates would lose.
+void CalcSquaredDistances(const MatrixIn& m, const RowIn& point, Eigen::Ref<Vector> distances);
+
 /// N x N, symmetric, zero diagonal: squared distances between the rows. Reports "Empty data matrix".
 Matrix CalcDistanceMatrix(const MatrixIn& m);
 

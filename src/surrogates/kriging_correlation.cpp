@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "statistics/distances.h"
 #include "surrogates/dense_operations.h"
 #include "surrogates/kernels/kernel_constant_influence.h"
 
@@ -18,15 +19,6 @@ std::optional<Vector> Exponents(const OrdinaryKrigingSettings& settings, Index n
     case Kernel::kConstInflExp: return radii.unaryExpr(&ExponentialTerm);
     case Kernel::kConstInflIsoExp: return Vector::Constant(num_columns, ExponentialTerm(radii[0]));
     default: return std::nullopt;
-  }
-}
-
-/// Squared distances of row i to the rows behind it. Differences first: points that coincide are at exactly 0, and near
-/// points keep their digits, which a matrix product of the coordinates would lose.
-void SquaredDistances(const Matrix& points, Index i, Eigen::Ref<Vector> distances) {
-  distances.setZero();
-  for (Index j = 0; j < points.cols(); ++j) {
-    distances.array() += (points.col(j).tail(distances.size()).array() - points(i, j)).square();
   }
 }
 
@@ -60,7 +52,7 @@ void KrigingCorrelation::Fill(const MatrixIn& points, Matrix& R) const {
   const Index n = points.rows();
   for (Index i = 0; i < n; ++i) {
     auto below = R.col(i).tail(n - i - 1);
-    SquaredDistances(scaled, i, below);
+    statistics::CalcSquaredDistances(scaled, scaled.row(i), below);
     if (one_radius_each) {
       below = -below;
       ReplaceExponents(below);

@@ -5,26 +5,22 @@
 #include <limits>
 #include <utility>
 
+#include "statistics/distances.h"
+#include "surrogates/dense_operations.h"
 #include "surrogates/grouped_rows.h"
 
 namespace kestrel::math::metamodel {
 namespace {
-
-using Array = Eigen::ArrayXd;
 
 /// Query points are evaluated in blocks that stay in the cache with what is made of them.
 constexpr Index kBlockRows = 256;
 
 constexpr double kEpsilon = std::numeric_limits<double>::epsilon();
 
-/// Squared distances s of the rows of `points` from a point.
-void SquaredDistances(const MatrixIn& points, const Eigen::Ref<const Eigen::RowVectorXd>& point, Array& s) {
-  s.setZero(points.rows());
-  for (Index j = 0; j < points.cols(); ++j) s += (points.col(j).array() - point(j)).square();
+/// phi = r^2 log r = s log(s) / 2, an expression on the squared distances s; 0 for s = 0.
+auto RadialFunction(const Vector& s) {
+  return 0.5 * s.array() * s.array().max(std::numeric_limits<double>::min()).log();
 }
-
-/// phi = r^2 log r = s log(s) / 2, an expression on s; 0 for s = 0.
-auto RadialFunction(const Array& s) { return 0.5 * s * s.max(std::numeric_limits<double>::min()).log(); }
 
 /// (1, x_a') in each row.
 Matrix LinearBasis(const MatrixIn& points) {
@@ -42,10 +38,11 @@ struct RadialMatrix {
 RadialMatrix BuildRadialMatrix(const MatrixIn& points) {
   const Index count = points.rows();
   RadialMatrix radial{Matrix::Zero(count, count)};
-  Array s;
+  Vector s;
   for (Index b = 0; b + 1 < count; ++b) {
     const Index below = count - 1 - b;
-    SquaredDistances(points.bottomRows(below), points.row(b), s);
+    s.resize(below);
+    statistics::CalcSquaredDistances(points, points.row(b), s);
     radial.distinct = radial.distinct && s.minCoeff() > 0.0;
     radial.values.col(b).tail(below) = RadialFunction(s);
   }
@@ -53,31 +50,18 @@ RadialMatrix BuildRadialMatrix(const MatrixIn& points) {
   return radial;
 }
 
-/// L^-1 for the lower triangle of a matrix. Solving block by block for what is not zero takes a third of the time of a
-/// solution against the identity.
-Matrix InverseOfLower(const Matrix& lower) {
-  constexpr Index kBlockColumns = 64;
-  const Index count = lower.rows();
-  Matrix inverse = Matrix::Identity(count, count);
-  for (Index first = 0; first < count; first += kBlockColumns) {
-    const Index rest = count - first;
-    auto columns = inverse.block(first, first, rest, std::min(kBlockColumns, rest));
-    lower.bottomRightCorner(rest, rest).triangularView<Eigen::Lower>().solveInPlace(columns);
-  }
-  return inverse;
-}
-
 }  // namespace
 
 Vector ThinPlate::Evaluate(const MatrixIn& points, const MatrixIn& query) const {
   Vector values = (query * linear.tail(query.cols())).array() + linear(0);
-  Array s;
+  Vector s;
   for (Index first = 0; first < query.rows(); first += kBlockRows) {
     const Index count = std::min(kBlockRows, query.rows() - first);
     const Matrix block = query.middleRows(first, count);
+    s.resize(count);
     auto sum = values.segment(first, count).array();
     for (Index b = 0; b < points.rows(); ++b) {
-      SquaredDistances(block, points.row(b), s);
+      statistics::CalcSquaredDistances(block, points.row(b), s);
       sum += radial(b) * RadialFunction(s);
     }
   }
@@ -124,7 +108,8 @@ Vector ThinPlateSystem::CrossValidate(const VectorIn& values, const std::vector<
   // B = L L' and V = L^-1 Q2', so that G = V'V.
   const Index free = NumFree();
   Matrix root = Matrix::Zero(free, values.size());
-  root.rightCols(free) = InverseOfLower(factor_.matrixLLT());
+  root.rightCols(free) = factor_.matrixL();
+  InvertLower(root.rightCols(free), nullptr);
   root.applyOnTheRight(tail_.householderQ().adjoint());
   const Vector radial = root.transpose() * (root * values);  // c = G z
 

@@ -3,6 +3,7 @@
 #include <stdexcept>
 
 #include "persistence/archive/archives.h"
+#include "statistics/distances.h"
 #include "surrogates/dense_operations.h"
 #include "surrogates/kernels/kernel_constant_influence.h"
 #include "surrogates/kernels/kernel_nodal_influence.h"
@@ -27,11 +28,7 @@ Vector KernelBase::EvaluatePoint(const VectorIn& point, const MatrixIn& support_
 void KernelBase::EvaluatePoints(const MatrixIn& points, const MatrixIn& support_points,
                                 Eigen::Ref<Matrix> values) const {
   for (Index q = 0; q < points.rows(); ++q) {
-    values.col(q).setZero();
-    // Differences first: points that coincide are at exactly 0.
-    for (Index j = 0; j < points.cols(); ++j) {
-      values.col(q).array() += (support_points.col(j).array() - points(q, j)).square();
-    }
+    statistics::CalcSquaredDistances(support_points, points.row(q), values.col(q));
   }
   ReplaceDistances(values);
 }
