@@ -2,7 +2,7 @@
 
 #include <Eigen/Cholesky>
 
-#include "statistics/random.h"
+#include "compare.h"
 #include "surrogates/linear_regression.h"
 
 // Speed of one polynomial fit, of its Box-Cox search, and of the grouped cross validation against the plain products it
@@ -10,17 +10,11 @@
 
 namespace {
 
+using namespace kestrel::bench;
 using namespace kestrel::math;
 using namespace kestrel::math::metamodel;
 
 constexpr std::uint64_t kGroups = 10;
-
-Matrix Points(Index count, Index inputs) {
-  random::Generator generator(7);
-  Matrix points(count, inputs);
-  for (double& value : points.reshaped()) value = static_cast<double>(generator()) / 1.9e19;
-  return points;
-}
 
 Vector Values(const Matrix& points) {
   return (points.rowwise().sum().array() + 0.3 * points.col(0).array().square() + 0.1 * points.col(1).array()).exp();

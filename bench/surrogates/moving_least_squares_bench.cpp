@@ -2,7 +2,7 @@
 
 #include <Eigen/Cholesky>
 
-#include "statistics/random.h"
+#include "compare.h"
 #include "surrogates/coefficient_matrix.h"
 #include "surrogates/moving_least_squares.h"
 
@@ -11,18 +11,12 @@
 
 namespace {
 
+using namespace kestrel::bench;
 using namespace kestrel::math;
 using namespace kestrel::math::metamodel;
 
 constexpr std::uint64_t kGroups = 5;
 constexpr Index kQueries = 256;
-
-Matrix Points(Index count, Index inputs, unsigned seed) {
-  random::Generator generator(seed);
-  Matrix points(count, inputs);
-  for (double& value : points.reshaped()) value = static_cast<double>(generator()) / 1.9e19;
-  return points;
-}
 
 struct Problem {
   explicit Problem(const benchmark::State& state)

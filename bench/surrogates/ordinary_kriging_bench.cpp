@@ -1,10 +1,12 @@
 #include <benchmark/benchmark.h>
 
 #include <Eigen/Cholesky>
-#include <chrono>
+#include <algorithm>
+#include <stdexcept>
+#include <utility>
 
+#include "compare.h"
 #include "statistics/distances.h"
-#include "statistics/random.h"
 #include "surrogates/ordinary_kriging.h"
 
 // Speed of Kriging against the plain operations that it is made of. Both sides of a comparison run in turn, in the same
@@ -13,22 +15,11 @@
 
 namespace {
 
+using namespace kestrel::bench;
 using namespace kestrel::math;
 using namespace kestrel::math::metamodel;
-using Clock = std::chrono::steady_clock;
 
 constexpr double kNugget = 1e-4;
-
-Matrix Points(Index count, Index inputs, unsigned seed = 7) {
-  random::Generator generator(seed);
-  Matrix points(count, inputs);
-  for (double& value : points.reshaped()) value = static_cast<double>(generator()) / 1.9e19;
-  return points;
-}
-
-Vector Values(const Matrix& points) {
-  return (points.rowwise().sum().array() + 0.3 * points.col(0).array().square()).sin();
-}
 
 OrdinaryKrigingSettings Settings(Index inputs, const Vector& radii) {
   OrdinaryKrigingSettings settings(static_cast<std::uint64_t>(inputs));
@@ -48,27 +39,6 @@ struct Problem {
   Vector values;
   OrdinaryKriging kriging;
 };
-
-template <class Work>
-double Seconds(Work&& work) {
-  const auto start = Clock::now();
-  work();
-  return std::chrono::duration<double>(Clock::now() - start).count();
-}
-
-/// Runs both sides in turn; the time of the benchmark is that of ours.
-template <class Ours, class Parts>
-void Compare(benchmark::State& state, Ours ours, Parts parts) {
-  double seconds_ours = 0.0;
-  double seconds_parts = 0.0;
-  for (auto _ : state) {
-    const double once = Seconds(ours);
-    state.SetIterationTime(once);
-    seconds_ours += once;
-    seconds_parts += Seconds(parts);
-  }
-  state.counters["ratio"] = seconds_ours / seconds_parts;
-}
 
 /// exp(-|s_a - s_b|^2) by one matrix product and one exponential over the triangle, and its factor.
 struct CorrelationsAndFactor {
