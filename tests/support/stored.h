@@ -41,17 +41,26 @@ std::unique_ptr<Base> RoundTrip(const Base& object) {
 }
 
 /// The first of the names that an object's fields are not stored under in this order; empty if all are.
+/// @param names  with blanks between them.
 template <class T>
-std::string FirstNameOutOfOrder(const T& object, std::initializer_list<const char*> names) {
+std::string FirstNameOutOfOrder(const T& object, const char* names) {
   const std::string bytes = Store(object, kNameAnnotations);
   std::size_t position = 0;
-  for (const std::string name : names) {
+  std::istringstream words(names);
+  for (std::string name; words >> name;) {
     const std::string item = std::string{static_cast<char>(name.size()), '\0'} + name;
     position = bytes.find(item, position);
     if (position == std::string::npos) return name;
     position += item.size();
   }
   return {};
+}
+
+template <class T>
+std::string FirstNameOutOfOrder(const T& object, std::initializer_list<const char*> names) {
+  std::string joined;
+  for (const char* const name : names) joined.append(name).append(" ");
+  return FirstNameOutOfOrder(object, joined.c_str());
 }
 
 }  // namespace kestrel::testing

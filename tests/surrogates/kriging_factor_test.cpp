@@ -6,7 +6,6 @@
 #include <limits>
 
 #include "statistics/distances.h"
-#include "support/exceptions.h"
 #include "support/matrix_compare.h"
 #include "surrogates/sample_data.h"
 
@@ -77,18 +76,6 @@ TEST(KrigingFactor, RefusesWhatIsNotPositiveDefinite) {
     const Matrix R = (-20.0 * statistics::CalcDistanceMatrix(points).array()).exp();
     EXPECT_FALSE(KrigingFactor().Compute(R, nullptr)) << twin;
   }
-}
-
-TEST(KrigingFactor, StopsBetweenBlocks) {
-  const Matrix R = Correlations(200, 1e-2);
-  KrigingFactor factor;
-  ASSERT_TRUE(factor.Compute(R, nullptr));
-  utils::StopHelper stop;
-  stop.RequestStop();
-  EXPECT_THROW(factor.InverseRoot(&stop), utils::runtime_error);
-  Matrix inverse;
-  EXPECT_THROW(factor.FillInverse(inverse, &stop), utils::runtime_error);
-  EXPECT_THROW(factor.Compute(R, &stop), utils::runtime_error);
 }
 
 }  // namespace

@@ -216,18 +216,11 @@ TEST(LinearRegression, WritesItsFunctionInOriginalUnits) {
   const LinearRegression regression = Built(points, values, settings);
   EXPECT_EQ(regression.GetFunctionStr({L"u", L"v"}), L"1.5 + 2*u -0.25*v^2 + 1*u*v");
   EXPECT_EQ(regression.GetFunctionStr({}), L"1.5 + 2*p -0.25*q^2 + 1*p*q");
+  EXPECT_EQ(regression.Str().substr(0, 25), L"Linear Regression | 2 | (");
   settings.SetValueTransformation(eTransformation::kBoxCox);
   settings.SetValueTransformationParameter({0.5, 0.1, 10.1});
   EXPECT_EQ(Built(points, values, settings).GetFunctionStr({}),
             L"No model function for Box-Cox transformation available");
-}
-
-TEST(LinearRegression, NamesItselfWithItsOrder) {
-  const Matrix points = RandomPoints(9, 1, 1);
-  const LinearRegression regression = Built(points, points.col(0), Terms(1, 2, false));
-  EXPECT_EQ(regression.Name(), L"Linear Regression | 2");
-  EXPECT_EQ(regression.Name(true), L"Linear Regression");
-  EXPECT_EQ(regression.Str().substr(0, 25), L"Linear Regression | 2 | (");
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 #include <stdexcept>
 
 #include "support/matrix_compare.h"
+#include "support/raised_text.h"
 #include "surrogates/kernels/kernel_base.h"
 #include "surrogates/kernels/kernel_constant_influence.h"
 #include "surrogates/sample_data.h"
@@ -101,32 +102,26 @@ TEST(Kernels, RefuseParametersOutOfRange) {
     Kernel::eType type;
     double bad;
     double good;
-    const char* text;
+    const wchar_t* text;
   };
   const Case cases[] = {
-      {Kernel::kConstInflExp, 0.0, 1e-3, "KernelConstInflExp: parameter must be greater zero"},
-      {Kernel::kConstInflIsoExp, 0.0, 1e-3, "KernelConstInflIsoExp: parameter must be greater zero"},
-      {Kernel::kConstInflIsoReg, -1.0, 1e-3, "KernelConstInflIsoReg: parameter must be greater zero"},
-      {Kernel::kNodalInflExp, 0.999, 1.0, "KernelNodalInflExp: parameter must be greater or equal one"},
-  };
-  const auto refusal = [](auto work) -> std::string {
-    try {
-      work();
-    } catch (const std::domain_error& error) {
-      return error.what();
-    }
-    return "accepted";
+      {Kernel::kConstInflExp, 0.0, 1e-3, L"KernelConstInflExp: parameter must be greater zero"},
+      {Kernel::kConstInflIsoExp, 0.0, 1e-3, L"KernelConstInflIsoExp: parameter must be greater zero"},
+      {Kernel::kConstInflIsoReg, -1.0, 1e-3, L"KernelConstInflIsoReg: parameter must be greater zero"},
+      {Kernel::kNodalInflExp, 0.999, 1.0, L"KernelNodalInflExp: parameter must be greater or equal one"},
   };
   for (const Case& c : cases) {
     const auto kernel = CreateKernel(c.type, One(c.good));
-    EXPECT_EQ(refusal([&] { CreateKernel(c.type, One(c.bad)); }), c.text);
-    EXPECT_EQ(refusal([&] { kernel->SetParameters(Vector()); }), "KernelConstInflExp: undefined parameter");
-    EXPECT_EQ(refusal([&] { kernel->SetParameters(Vector::Ones(2)); }), "Kernel: Invalid size of parameter vector");
+    EXPECT_EQ(testing::RaisedText([&] { CreateKernel(c.type, One(c.bad)); }), c.text);
+    EXPECT_EQ(testing::RaisedText([&] { kernel->SetParameters(Vector()); }),
+              L"KernelConstInflExp: undefined parameter");
+    EXPECT_EQ(testing::RaisedText([&] { kernel->SetParameters(Vector::Ones(2)); }),
+              L"Kernel: Invalid size of parameter vector");
     EXPECT_EQ(kernel->GetParameters(), One(c.good));
   }
   for (const auto type : {Kernel::kConstInflExp, Kernel::kNodalInflExp}) {
-    EXPECT_EQ(refusal([&] { CreateKernel(type, One(2.0))->EvaluateDistance(1.0); }),
-              "EvaluateDistance works only for isotropic kernels");
+    EXPECT_EQ(testing::RaisedText([&] { CreateKernel(type, One(2.0))->EvaluateDistance(1.0); }),
+              L"EvaluateDistance works only for isotropic kernels");
   }
 }
 
