@@ -308,6 +308,12 @@ TEST(Nlpqlp, EndsWithTheReason) {
     s.XU(0) = 1e30;
     s.X(0, 0) = 1e20;
   };
+  const auto answering = [](int what) {
+    return [what](NLPQLP& s) {
+      s.DoStep();
+      s.IFAIL = what;
+    };
+  };
   const Ending endings[] = {
       {"optimum", eIfail::kConverged, nothing, square, twice},
       {"iteration limit", eIfail::kIterationLimit, [](NLPQLP& s) { s.MAXIT = 0; }, square, twice},
@@ -319,18 +325,8 @@ TEST(Nlpqlp, EndsWithTheReason) {
       {"everything fails but the start", eIfail::kLineSearchFailed, nothing, only_start, twice},
       {"step that rounding swallows", eIfail::kLineSearchFailed, far_away, [](double x) { return std::sin(x); },
        [](double x) { return std::cos(x); }},
-      {"answer out of turn", eIfail::kWrongArguments,
-       [](NLPQLP& s) {
-         s.DoStep();
-         s.IFAIL = -2;
-       },
-       square, twice},
-      {"unknown answer", eIfail::kWrongArguments,
-       [](NLPQLP& s) {
-         s.DoStep();
-         s.IFAIL = -3;
-       },
-       square, twice},
+      {"answer out of turn", eIfail::kWrongArguments, answering(-2), square, twice},
+      {"unknown answer", eIfail::kWrongArguments, answering(-3), square, twice},
       {"accuracy below zero", eIfail::kWrongArguments, [](NLPQLP& s) { s.ACC = -1.0; }, square, twice},
       {"accuracy not a number", eIfail::kWrongArguments, [](NLPQLP& s) { s.ACC = kNaN; }, square, twice},
       {"unknown mode", eIfail::kWrongArguments, [](NLPQLP& s) { s.MODE = 7; }, square, twice},
