@@ -57,18 +57,6 @@ TEST(DOptimal, LinearSetsAreHadamardMatrices) {
   }
 }
 
-TEST(DOptimal, BeatsRandomChoicesOfManyInputs) {
-  const IndexMatrix terms = QuadraticTerms(6, true);
-  const Matrix grid = FullFactorial(6, 3);
-  random::Generator generator(9);
-  double best = 0.0;
-  for (int i = 0; i < 200; ++i) {
-    const IndexVector rows = random::Select_with_Replacement(static_cast<std::uint64_t>(grid.rows()), 40, generator);
-    best = std::max(best, Information(terms, grid(rows.cast<Index>(), Eigen::all)));
-  }
-  EXPECT_GT(std::pow(Found(terms, 40) / best, 1.0 / 28.0), 1.4);  // per coefficient
-}
-
 TEST(DOptimal, PlacesTheLevelsOfACubicModel) {
   // The best four points for a cubic are -1, -1/sqrt(5), 1/sqrt(5), 1 (Guest 1958), here to the grid of levels.
   const IndexMatrix terms{{0}, {1}, {2}, {3}};

@@ -2,24 +2,15 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cmath>
-#include <limits>
 
+#include "doe/smallest_distance.h"
 #include "support/matrix_compare.h"
 
 namespace kestrel::math::doe {
 namespace {
 
 using testing::MatrixNear;
-
-double SmallestDistance(const Matrix& points) {
-  double smallest = std::numeric_limits<double>::infinity();
-  for (Index i = 0; i < points.rows(); ++i) {
-    for (Index k = 0; k < i; ++k) smallest = std::min(smallest, (points.row(i) - points.row(k)).norm());
-  }
-  return smallest;
-}
 
 Matrix Build(std::uint64_t num_points, std::uint64_t num_inputs) {
   random::Generator generator(3);

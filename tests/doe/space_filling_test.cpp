@@ -3,22 +3,13 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cmath>
-#include <limits>
 #include <vector>
 
 #include "doe/latin_hypercube.h"
+#include "doe/smallest_distance.h"
 
 namespace kestrel::math::doe {
 namespace {
-
-double SmallestDistance(const Matrix& points) {
-  double smallest = std::numeric_limits<double>::infinity();
-  for (Index i = 0; i < points.rows(); ++i) {
-    for (Index k = 0; k < i; ++k) smallest = std::min(smallest, (points.row(i) - points.row(k)).norm());
-  }
-  return smallest;
-}
 
 TEST(SpaceFillingLatinHypercube, KeepsItsPointsFurtherApartThanTheBestOfManyRandomOnes) {
   struct Shape {
