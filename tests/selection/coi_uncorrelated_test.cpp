@@ -4,8 +4,8 @@
 
 #include "selection/polynomial_importance.h"
 #include "statistics/basic_statistics.h"
-#include "support/exceptions.h"
 #include "support/matrix_compare.h"
+#include "support/raised_text.h"
 #include "surrogates/sample_data.h"
 
 namespace kestrel::math::statistics {
@@ -44,13 +44,8 @@ Vector ByPlainRefits(const LinearRegression& full, RSquared::eType type) {
   return importance;
 }
 
-std::string ErrorOf(const LinearRegression& regression, int type, bool check_rank = false) {
-  try {
-    CoiUncorrelated(regression, static_cast<RSquared::eType>(type), check_rank);
-  } catch (const std::logic_error& error) {
-    return error.what();
-  }
-  return "";
+std::wstring ErrorOf(const LinearRegression& regression, int type, bool check_rank = false) {
+  return testing::RaisedText([&] { CoiUncorrelated(regression, static_cast<RSquared::eType>(type), check_rank); });
 }
 
 TEST(CoiUncorrelated, IsTheLossOfAPlainRefitWithoutTheInput) {
@@ -103,15 +98,15 @@ TEST(CoiUncorrelated, RefusesUnknownTypesAndModelsThatCannotBeBuilt) {
   LinearRegression regression(x, y);
   regression.Initialize(LinearRegressionSettings(3));
   ASSERT_TRUE(regression.Build());
-  EXPECT_EQ(ErrorOf(regression, 3), "COI using cross validation not implemented");
-  EXPECT_EQ(ErrorOf(regression, 4), "Invalid R square type");
-  EXPECT_EQ(ErrorOf(regression, -1), "Invalid R square type");
-  EXPECT_EQ(ErrorOf(regression, RSquared::kR2), "");
-  EXPECT_EQ(ErrorOf(regression, RSquared::kR2, true), "CoiUncorrelated: Level matrix of regression has low rank");
+  EXPECT_EQ(ErrorOf(regression, 3), L"COI using cross validation not implemented");
+  EXPECT_EQ(ErrorOf(regression, 4), L"Invalid R square type");
+  EXPECT_EQ(ErrorOf(regression, -1), L"Invalid R square type");
+  EXPECT_EQ(ErrorOf(regression, RSquared::kR2), L"");
+  EXPECT_EQ(ErrorOf(regression, RSquared::kR2, true), L"CoiUncorrelated: Level matrix of regression has low rank");
 
   LinearRegression too_large(x.topRows(3), y.head(3));
   too_large.Initialize(LinearRegressionSettings(3));
-  EXPECT_EQ(ErrorOf(too_large, RSquared::kR2), "CoiUncorrelated: Failed in building full regression model");
+  EXPECT_EQ(ErrorOf(too_large, RSquared::kR2), L"CoiUncorrelated: Failed in building full regression model");
 }
 
 }  // namespace

@@ -2,13 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include <chrono>
-#include <thread>
-
 #include "selection/search_samples.h"
-#include "selection/zor2.h"
 #include "statistics/basic_statistics.h"
-#include "support/exceptions.h"
 #include "support/matrix_compare.h"
 #include "surrogates/sample_data.h"
 
@@ -16,29 +11,14 @@ namespace kestrel::math::metamodel {
 namespace {
 
 using testing::CountLines;
+using testing::Evaluated;
 using testing::Inputs;
-using testing::MakeContext;
 using testing::MatrixNear;
-using testing::Noise;
 using testing::RandomPoints;
+using testing::Subspaces;
 using testing::WideLog;
 
-/// A search on a sample, with what it writes to.
-struct SearchOnSample {
-  SearchOnSample(const Matrix& inputs, const Vector& response)
-      : context(MakeContext(inputs, response, log)), search(context, ranking) {}
-
-  WideLog log = std::make_shared<utils::log::VectorLog>();
-  SearchContext context;
-  CandidateRanking ranking;
-  KrigingSearch search;
-};
-
-IndexMatrix Subspaces(Index inputs, std::initializer_list<std::uint64_t> entries) {
-  IndexMatrix columns(inputs, static_cast<Index>(entries.size()) / inputs);
-  std::copy(entries.begin(), entries.end(), columns.data());
-  return columns;
-}
+using SearchOnSample = testing::SearchOnSample<KrigingSearch>;
 
 /// A wave along the first input, steeper than along the second; further inputs are useless.
 Vector Wave(const Matrix& x) { return (3.0 * x.col(0) + x.col(1)).array().sin(); }
@@ -146,80 +126,26 @@ TEST(KrigingSearchOfSubspaces, FitsARadiusPerInputWhereItMayPay) {
 
 TEST(KrigingReduction, DropsAUselessInput) {
   const Matrix inputs = RandomPoints(50, 3, 1);
-  SearchOnSample sample(inputs, Wave(inputs));
-  const auto reduced_of = [&sample](Kernel::eType kernel, const Selection& selection) {
-    OrdinaryKrigingSettings settings(3);
-    settings.SetKernelType(kernel);
-    settings.SetVariableSelection(selection);
-    const auto position = sample.search.EvaluateModel(settings);
-    return sample.search.Reduce(sample.search.GetResults().at(position.value()));
-  };
   for (const Kernel::eType kernel : {Kernel::kConstInflIsoExp, Kernel::kConstInflExp}) {
-    const SubspaceResults reduced = reduced_of(kernel, Inputs(3, {0, 1, 2}));
-    EXPECT_EQ(reduced.settings->GetVariableSelection(), Inputs(3, {0, 1}));
+    SearchOnSample sample(inputs, Wave(inputs));
+    OrdinaryKrigingSettings all(3);
+    all.SetKernelType(kernel);
+    OrdinaryKrigingSettings first = all;
+    first.SetVariableSelection(Inputs(3, {0}));
+    testing::ExpectUselessInputDropped(sample, all, first);
+    EXPECT_EQ(CountLines(sample.log, L"110"), 1);
+
     // The radii are those of the smaller selection.
-    OrdinaryKriging searched(inputs, sample.context.response);
-    OrdinaryKrigingSettings settings = dynamic_cast<const OrdinaryKrigingSettings&>(*reduced.settings);
+    SearchOnSample again(inputs, Wave(inputs));
+    const SubspaceResults reduced = testing::Reduced(again, all);
+    auto settings = dynamic_cast<const OrdinaryKrigingSettings&>(*reduced.settings);
     const Vector radii = settings.GetKernelParameter();
     settings.SetKernelParameter(Vector());
+    OrdinaryKriging searched(inputs, Wave(inputs));
     searched.Initialize(settings);
     ASSERT_TRUE(searched.BuildOptimal({}));
     EXPECT_TRUE(MatrixNear(searched.GetSettingsBase().GetKernelParameter(), radii, 0.0));
   }
-  EXPECT_EQ(CountLines(sample.log, L"InitialSubspace: R2adj "), 2);
-  EXPECT_EQ(CountLines(sample.log, L"ReducedSubspace: R2adj "), 4);  // each second one lost too much
-  EXPECT_EQ(CountLines(sample.log, L"110"), 2);
-
-  EXPECT_EQ(reduced_of(Kernel::kConstInflIsoExp, Inputs(3, {2})).GetNumberVariables(), 1u);
-  EXPECT_EQ(CountLines(sample.log, L"No reduced subspace found "), 1);
-  sample.context.importance(2) = 2;  // useless, but demanded
-  EXPECT_EQ(reduced_of(Kernel::kConstInflIsoExp, Inputs(3, {0, 1, 2})).GetNumberVariables(), 3u);
-}
-
-/// Asks for a stop soon after the first subspace.
-class StoppingLog final : public utils::log::LogBase {
- public:
-  explicit StoppingLog(std::shared_ptr<utils::StopHelper> helper) : helper_(std::move(helper)) {}
-  ~StoppingLog() override {
-    if (stopper_.joinable()) stopper_.join();
-  }
-  void add(utils::log::LogLevel /*level*/, const std::wstring& text) override {
-    if (text.rfind(L"curr_subspace", 0) != 0 || stopper_.joinable()) return;
-    stopper_ = std::thread([this] {
-      std::this_thread::sleep_for(std::chrono::milliseconds(20));
-      requested_ = std::chrono::steady_clock::now();
-      helper_->RequestStop();
-    });
-  }
-  std::chrono::steady_clock::time_point GetRequested() const { return requested_; }
-
- private:
-  std::shared_ptr<utils::StopHelper> helper_;
-  std::thread stopper_;
-  std::chrono::steady_clock::time_point requested_;
-};
-
-TEST(KrigingSearchOfSubspaces, EndsSoonAfterAStopRequest) {
-  const Matrix inputs = RandomPoints(400, 6, 1);
-  const auto helper = std::make_shared<utils::StopHelper>();
-  const auto log = std::make_shared<StoppingLog>(helper);
-  SearchContext context = MakeContext(inputs, Wave(inputs), nullptr);
-  context.log = log;
-  context.stop_helper = helper;
-  CandidateRanking ranking;
-  KrigingSearch search(context, ranking);
-  EXPECT_THROW(search.EvaluateSubspaces(Subspaces(6, {1, 1, 1, 1, 1, 1})), utils::runtime_error);
-  const std::chrono::duration<double> late = std::chrono::steady_clock::now() - log->GetRequested();
-  EXPECT_LT(late.count(), 0.2);
-}
-
-Zor Evaluated(const Matrix& inputs, const Vector& response, const ZORSettings& settings, const WideLog& log) {
-  Zor zor(inputs, response, std::vector<std::wstring>(static_cast<std::size_t>(inputs.cols()), L"x"), L"y");
-  zor.Initialize(settings);
-  zor.SetLog(log);
-  zor.BuildSubspaces();
-  zor.EvaluateMetamodels();
-  return zor;
 }
 
 TEST(EvaluateMetamodels, FindsAKrigingModelOfAWave) {

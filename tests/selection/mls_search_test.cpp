@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include "selection/search_samples.h"
-#include "selection/zor2.h"
 #include "statistics/basic_statistics.h"
 #include "support/exceptions.h"
 #include "support/matrix_compare.h"
@@ -13,23 +12,14 @@ namespace kestrel::math::metamodel {
 namespace {
 
 using testing::CountLines;
+using testing::Evaluated;
 using testing::Inputs;
-using testing::MakeContext;
 using testing::MatrixNear;
 using testing::Noise;
 using testing::RandomPoints;
 using testing::WideLog;
 
-/// A search on a sample, with what it writes to.
-struct SearchOnSample {
-  SearchOnSample(const Matrix& inputs, const Vector& response)
-      : context(MakeContext(inputs, response, log)), search(context, ranking) {}
-
-  WideLog log = std::make_shared<utils::log::VectorLog>();
-  SearchContext context;
-  CandidateRanking ranking;
-  MlsSearch search;
-};
+using SearchOnSample = testing::SearchOnSample<MlsSearch>;
 
 MovingLeastSquaresSettings FirstInputs(std::uint64_t inputs, std::uint64_t variables, std::uint64_t order) {
   MovingLeastSquaresSettings settings(inputs);
@@ -152,20 +142,7 @@ TEST(MlsSearch, MeasuresWhatItsModelPredicts) {
 TEST(MlsReduction, DropsAUselessInput) {
   const Matrix inputs = RandomPoints(60, 3, 1);
   SearchOnSample sample(inputs, BentResponse(inputs));
-  const auto reduced_of = [&sample](std::uint64_t variables) {
-    const auto position = sample.search.EvaluateModel(FirstInputs(3, variables, 2));
-    return sample.search.Reduce(sample.search.GetResults().at(position.value())).settings->GetVariableSelection();
-  };
-  EXPECT_EQ(reduced_of(3), Inputs(3, {0, 1}));
-  EXPECT_EQ(CountLines(sample.log, L"InitialSubspace: R2adj "), 1);
-  EXPECT_EQ(CountLines(sample.log, L"ReducedSubspace: R2adj "), 2);  // the second one lost too much
-  EXPECT_EQ(CountLines(sample.log, L"No reduced subspace found "), 0);
-
-  EXPECT_EQ(reduced_of(1), Inputs(3, {0}));
-  EXPECT_EQ(CountLines(sample.log, L"No reduced subspace found "), 1);
-
-  sample.context.importance(2) = 2;  // useless, but demanded
-  EXPECT_EQ(reduced_of(3), Inputs(3, {0, 1, 2}));
+  testing::ExpectUselessInputDropped(sample, FirstInputs(3, 3, 2), FirstInputs(3, 1, 2));
 }
 
 TEST(MlsReduction, KeepsTheTransformationThatWasFitted) {
@@ -174,21 +151,9 @@ TEST(MlsReduction, KeepsTheTransformationThatWasFitted) {
   SearchOnSample sample(inputs, exponent.array().exp());
   MovingLeastSquaresSettings settings = FirstInputs(3, 3, 1);
   settings.SetValueTransformation(eTransformation::kBoxCox);
-  const auto position = sample.search.EvaluateModel(settings);
-  const SubspaceResults reduced = sample.search.Reduce(sample.search.GetResults().at(position.value()));
+  const SubspaceResults reduced = testing::Reduced(sample, settings);
   EXPECT_EQ(reduced.settings->GetVariableSelection(), Inputs(3, {0, 1}));
   EXPECT_EQ(reduced.settings->GetValueTransformation(), eTransformation::kBoxCox);
-}
-
-Zor Evaluated(const Matrix& inputs, const Vector& response, const ZORSettings& settings, const WideLog& log) {
-  std::vector<std::wstring> names;
-  for (Index j = 0; j < inputs.cols(); ++j) names.push_back(L"x" + std::to_wstring(j));
-  Zor zor(inputs, response, names, L"y");
-  zor.Initialize(settings);
-  zor.SetLog(log);
-  zor.BuildSubspaces();
-  zor.EvaluateMetamodels();
-  return zor;
 }
 
 TEST(MlsInCompetition, RunsWhereNoPolynomialIsGoodEnough) {

@@ -11,27 +11,10 @@ namespace {
 using testing::CountLines;
 using testing::FirstInputs;
 using testing::Inputs;
-using testing::MakeContext;
 using testing::Noise;
 using testing::RandomPoints;
-using testing::WideLog;
 
-/// A search on a sample, with what it writes to.
-struct SearchOnSample {
-  SearchOnSample(const Matrix& inputs, const Vector& response)
-      : context(MakeContext(inputs, response, log)), search(context, ranking) {}
-
-  WideLog log = std::make_shared<utils::log::VectorLog>();
-  SearchContext context;
-  CandidateRanking ranking;
-  PolynomialSearch search;
-};
-
-IndexMatrix Subspace(std::initializer_list<std::uint64_t> entries) {
-  IndexMatrix column(static_cast<Index>(entries.size()), 1);
-  std::copy(entries.begin(), entries.end(), column.data());
-  return column;
-}
+using SearchOnSample = testing::SearchOnSample<PolynomialSearch>;
 
 /// 2 x0 + x1 with a little noise; further inputs are useless.
 Vector LinearResponse(const Matrix& x) { return 2.0 * x.col(0) + x.col(1) + Noise(x.rows(), 0.05, 9); }
@@ -89,7 +72,7 @@ TEST(PolynomialSearch, TriesEachTermSetOnce) {
     SearchOnSample sample(inputs, LinearResponse(inputs));
     sample.context.settings.SetMaxOrderPolynomial(c.max_order);
     sample.context.settings.SetUseBoxCox(c.boxcox);
-    const IndexMatrix column = Subspace(c.subspace);
+    const IndexMatrix column = testing::Subspaces(3, c.subspace);
     sample.search.EvaluateSubspaces(column);
     EXPECT_EQ(sample.search.GetResults().size(), c.results) << c.name;
     EXPECT_EQ(CountLines(sample.log, L"subspace exists: "), c.repeated) << c.name;
@@ -104,7 +87,7 @@ TEST(PolynomialSearch, FindsTheTransformationOfTheValues) {
   SearchOnSample sample(inputs, inputs.rowwise().sum().array().exp());
   sample.context.settings.SetUseBoxCox(true);
   sample.context.settings.SetMaxOrderPolynomial(1);
-  sample.search.EvaluateSubspaces(Subspace({1, 1}));
+  sample.search.EvaluateSubspaces(testing::Subspaces(2, {1, 1}));
   const std::vector<SubspaceResults>& results = sample.search.GetResults();
   ASSERT_EQ(results.size(), 3u);
   EXPECT_EQ(results[1].settings->GetValueTransformation(), eTransformation::kBoxCox);
@@ -129,20 +112,7 @@ TEST(RemoveSingularBasisTerms, RespectsTheLevelsOfTheInputs) {
 TEST(PolynomialReduction, DropsAUselessInput) {
   const Matrix inputs = RandomPoints(40, 3, 1);
   SearchOnSample sample(inputs, LinearResponse(inputs));
-  const auto reduced_of = [&sample](std::uint64_t variables) {
-    const auto position = sample.search.EvaluateModel(FirstInputs(3, variables, 1));
-    return sample.search.Reduce(sample.search.GetResults().at(position.value())).settings->GetVariableSelection();
-  };
-  EXPECT_EQ(reduced_of(3), Inputs(3, {0, 1}));
-  EXPECT_EQ(CountLines(sample.log, L"InitialSubspace: R2adj "), 1);
-  EXPECT_EQ(CountLines(sample.log, L"ReducedSubspace: R2adj "), 2);  // the second one lost too much
-  EXPECT_EQ(CountLines(sample.log, L"No reduced subspace found "), 0);
-
-  EXPECT_EQ(reduced_of(1), Inputs(3, {0}));
-  EXPECT_EQ(CountLines(sample.log, L"No reduced subspace found "), 1);
-
-  sample.context.importance(2) = 2;  // useless, but demanded
-  EXPECT_EQ(reduced_of(3), Inputs(3, {0, 1, 2}));
+  testing::ExpectUselessInputDropped(sample, FirstInputs(3, 3, 1), FirstInputs(3, 1, 1));
 }
 
 TEST(PolynomialReduction, ComparesEachStepWithTheStepBefore) {
@@ -152,8 +122,7 @@ TEST(PolynomialReduction, ComparesEachStepWithTheStepBefore) {
   for (const double tolerance : {0.01, 5.0}) {
     SearchOnSample sample(inputs, response);
     sample.context.settings.SetToleranceCOPVariables(tolerance);
-    sample.search.EvaluateModel(FirstInputs(4, 4, 1));
-    const SubspaceResults reduced = sample.search.Reduce(sample.search.GetResults().front());
+    const SubspaceResults reduced = testing::Reduced(sample, FirstInputs(4, 4, 1));
     EXPECT_EQ(reduced.settings->GetVariableSelection(), Inputs(4, {0})) << tolerance;  // the last input stays
     EXPECT_GT(reduced.measures.predError, 0.012);
   }

@@ -4,7 +4,7 @@
 
 #include "selection/search_samples.h"
 #include "selection/zor2.h"
-#include "support/exceptions.h"
+#include "support/raised_text.h"
 #include "surrogates/sample_data.h"
 
 namespace kestrel::math::metamodel {
@@ -130,12 +130,8 @@ TEST(BuildSubspaces, ReportsAnImportanceOfAnotherLength) {
   Subject subject;
   EXPECT_THROW(subject.zor.SetInfoImportant({1, 1}), utils::runtime_error);
   subject.zor.Initialize(ZORSettings(7));
-  try {
-    subject.zor.BuildSubspaces();
-    FAIL() << "accepted";
-  } catch (const utils::runtime_error& error) {
-    EXPECT_EQ(error.What(), L"size of importance vector not consistent to number of variables");
-  }
+  EXPECT_EQ(testing::RaisedText([&] { subject.zor.BuildSubspaces(); }),
+            L"size of importance vector not consistent to number of variables");
 }
 
 TEST(BuildSubspaces, CanBeStopped) {

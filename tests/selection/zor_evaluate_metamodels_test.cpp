@@ -1,43 +1,29 @@
 #include <gtest/gtest.h>
 
 #include <limits>
-#include <stdexcept>
 
 #include "selection/search_samples.h"
-#include "selection/zor2.h"
 #include "statistics/basic_statistics.h"
 #include "support/matrix_compare.h"
+#include "support/raised_text.h"
 #include "surrogates/sample_data.h"
 
 namespace kestrel::math::metamodel {
 namespace {
 
 using testing::CountLines;
+using testing::Evaluated;
 using testing::Inputs;
 using testing::MatrixNear;
+using testing::Names;
 using testing::Noise;
+using testing::RaisedText;
 using testing::RandomPoints;
 using testing::WideLog;
 
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 
-std::vector<std::wstring> Names(Index count) {
-  std::vector<std::wstring> names;
-  for (Index j = 0; j < count; ++j) names.push_back(L"x" + std::to_wstring(j));
-  return names;
-}
-
 ZORSettings Settings(const Matrix& inputs) { return ZORSettings(static_cast<std::uint64_t>(inputs.cols())); }
-
-Zor Evaluated(const Matrix& inputs, const Vector& response, const ZORSettings& settings,
-              const WideLog& log = std::make_shared<utils::log::VectorLog>()) {
-  Zor zor(inputs, response, Names(inputs.cols()), L"y");
-  zor.Initialize(settings);
-  zor.SetLog(log);
-  zor.BuildSubspaces();
-  zor.EvaluateMetamodels();
-  return zor;
-}
 
 /// 1 + 2 x0 - x2^2.
 Vector Parabola(const Matrix& x) { return 1.0 + 2.0 * x.col(0).array() - x.col(2).array().square(); }
@@ -133,16 +119,8 @@ TEST(EvaluateMetamodels, LeavesOneOutWhereAskedOrWhereSubsetsAreSingleSamples) {
 
 TEST(EvaluateMetamodels, RefusesWhatHasNotBeenPrepared) {
   Zor zor(RandomPoints(10, 2, 1), Vector::Zero(10), Names(2), L"y");
-  const auto text_of = [](const auto& call) {
-    try {
-      call();
-    } catch (const std::logic_error& error) {
-      return std::string(error.what());
-    }
-    return std::string("nothing raised");
-  };
-  EXPECT_EQ(text_of([&] { zor.EvaluateMetamodels(); }), "No subspace available, BuildSubspaces() first ");
-  EXPECT_EQ(text_of([&] { zor.GetBestMetamodel(); }), " Type of best ZOR model not known");
+  EXPECT_EQ(RaisedText([&] { zor.EvaluateMetamodels(); }), L"No subspace available, BuildSubspaces() first ");
+  EXPECT_EQ(RaisedText([&] { zor.GetBestMetamodel(); }), L" Type of best ZOR model not known");
 }
 
 }  // namespace
