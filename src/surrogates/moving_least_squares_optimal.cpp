@@ -126,6 +126,7 @@ Vector MovingLeastSquares::ApproximateVariableImportanceCV(const Subsets& subset
   const Selection selection = GetVariableSelection();
   for (auto bit = selection.find_first(); bit != Selection::npos; bit = selection.find_next(bit)) {
     without.Initialize(SettingsWithout(bit));
+    without.TakeTransformations(*this);
     without.Build();
     importance[static_cast<Index>(bit)] = (without.SumOfSquaredErrors(subsets) - error) / total;
   }

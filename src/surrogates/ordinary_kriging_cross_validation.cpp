@@ -103,6 +103,7 @@ Vector OrdinaryKriging::ApproximateVariableImportanceCV(const Subsets& subsets) 
     OrdinaryKrigingSettings settings = settings_;
     settings.DeselectInput(input);
     without.Initialize(settings);
+    without.TakeTransformations(*this);
     importance[static_cast<Index>(input)] =
         without.Build() ? (statistics::SSE(values_, without.ApproximateCrossValidation(subsets)) - error) / total
                         : std::numeric_limits<double>::quiet_NaN();

@@ -192,6 +192,13 @@ Vector SurrogateBase::ForwardValues() const {
   return trans_value_ ? Vector(trans_value_->ScaleForward(values_)) : values_;
 }
 
+void SurrogateBase::TakeTransformations(const SurrogateBase& other) {
+  trans_coord_ = CloneOf(other.trans_coord_);
+  trans_value_ = CloneOf(other.trans_value_);
+  trans_limit_ = CloneOf(other.trans_limit_);
+  need_build_ = true;
+}
+
 void SurrogateBase::WriteTransformationParameters(SurrogateSettingsBase& settings) const {
   if (trans_coord_) settings.SetCoordTransformationParameter(trans_coord_->GetParameters());
   if (trans_value_) settings.SetValueTransformationParameter(trans_value_->GetParameters());

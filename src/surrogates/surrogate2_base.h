@@ -126,6 +126,8 @@ class SurrogateBase {
   /// The values on the scale of the fit by the transformation as it stands.
   Vector ForwardValues() const;
 
+  /// Takes over the transformations of another model on the same sample, as they stand.
+  void TakeTransformations(const SurrogateBase& other);
   /// Puts the parameters of the transformations as they stand into the settings of the model.
   void WriteTransformationParameters(SurrogateSettingsBase& settings) const;
   bool AnyTransformNeedsBuild() const;

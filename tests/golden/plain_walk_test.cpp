@@ -157,6 +157,8 @@ Values SystemsValues(const std::string& systems, const std::string& set) {
 struct DatabaseCase {
   const char* name;
   Values expected;  ///< beside the common ones
+
+  friend void PrintTo(const DatabaseCase& of, std::ostream* stream) { *stream << of.name; }
 };
 
 class PlainWalkOfDatabases : public ::testing::TestWithParam<DatabaseCase> {};

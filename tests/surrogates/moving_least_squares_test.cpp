@@ -313,6 +313,15 @@ TEST(VariableImportance, IsTheRiseOfTheCrossValidationError) {
     const MovingLeastSquares surrogate = Built(points, values, settings);
     const Vector importance = surrogate.ApproximateVariableImportanceCV(subsets);
 
+    // A transformation that the settings do not ask for counts as well.
+    auto plain = settings;
+    plain.SetValueTransformation(eTransformation::kNone);
+    MovingLeastSquares transformed(points, values);
+    transformed.Initialize(plain);
+    transformed.InitializeValueTransformation(eTransformation::kBoxCox, {0.5, 0.1, 10.1});
+    ASSERT_TRUE(transformed.Build());
+    EXPECT_EQ(transformed.ApproximateVariableImportanceCV(subsets), importance) << type;
+
     settings.SetVariableSelection(Selection(std::string("1001")));  // nor input 1
     if (type == Kernel::kConstInflExp) settings.SetKernelParameter((Vector(2) << 0.8, 2.0).finished());
     const double without = statistics::SSE(values, Built(points, values, settings).ApproximateCrossValidation(subsets));

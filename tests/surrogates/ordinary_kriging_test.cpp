@@ -204,6 +204,14 @@ TEST(OrdinaryKriging, SaysWhatAnInputIsWorth) {
     EXPECT_GT(importance[0], importance[1]);
     EXPECT_GT(importance[1], importance[2]);
   }
+  // A transformation that the settings do not ask for counts as well.
+  OrdinaryKriging transformed(points, values);
+  transformed.Initialize(KrigingSettings(3, kThreeRadii, 1e-3));
+  transformed.InitializeValueTransformation(eTransformation::kBoxCox, {0.0, 0.1, 10.1});
+  ASSERT_TRUE(transformed.Build());
+  EXPECT_EQ(transformed.ApproximateVariableImportanceCV(subsets),
+            BuiltKriging(points, values, anisotropic).ApproximateVariableImportanceCV(subsets));
+
   OrdinaryKrigingSettings some = KrigingSettings(3, kOneRadius, 1e-3);
   some.SetVariableSelection(Selection(3, 0b101));
   EXPECT_EQ(BuiltKriging(points, values, some).ApproximateVariableImportanceCV()[1], 0.0);
