@@ -98,13 +98,17 @@ class ExpressionNodes {
   void reserve(std::size_t) {}
 
  private:
-  /// Apart, so that the destructor of no nodes is inlined: matches come and go by the thousand.
-  struct Delete {
-    [[gnu::noinline]] void operator()(std::vector<value_type>* nodes) const;
-  };
-  using Nodes = std::unique_ptr<std::vector<value_type>, Delete>;
+  using List = std::vector<value_type>;
 
-  mutable Nodes nodes_;
+  /// Apart, so that the destructor of no nodes is inlined: matches come and go by the thousand.
+  struct Recycle {
+    [[gnu::noinline]] void operator()(List* nodes) const;
+  };
+  /// Lists that are empty, with their memory, for the next matches.
+  static std::vector<std::unique_ptr<List>>& Spares();
+  void RequireList();
+
+  mutable std::unique_ptr<List, Recycle> nodes_;
 };
 
 template <>
@@ -119,22 +123,41 @@ struct tree_node<kestrel::calculator::NodeData> {
   children_t children;
 };
 
-void ExpressionNodes::Delete::operator()(std::vector<value_type>* nodes) const {
-  std::default_delete<std::vector<value_type>>()(nodes);
+std::vector<std::unique_ptr<ExpressionNodes::List>>& ExpressionNodes::Spares() {
+  thread_local std::vector<std::unique_ptr<List>> spares;
+  return spares;
+}
+
+void ExpressionNodes::Recycle::operator()(List* nodes) const {
+  constexpr std::size_t kMostSpares = 32;
+  constexpr std::size_t kMostNodes = 32;  // longer lists are rare
+  std::unique_ptr<List> list(nodes);
+  list->clear();
+  if (list->capacity() <= kMostNodes && Spares().size() < kMostSpares) Spares().push_back(std::move(list));
+}
+
+void ExpressionNodes::RequireList() {
+  if (nodes_) return;
+  if (Spares().empty()) {
+    nodes_.reset(std::make_unique<List>().release());
+  } else {
+    nodes_.reset(Spares().back().release());
+    Spares().pop_back();
+  }
 }
 
 ExpressionNodes::iterator ExpressionNodes::begin() const { return nodes_ ? nodes_->data() : nullptr; }
 ExpressionNodes::iterator ExpressionNodes::end() const { return nodes_ ? nodes_->data() + nodes_->size() : nullptr; }
 
 void ExpressionNodes::push_back(const value_type& node) {
-  if (!nodes_) nodes_ = Nodes(std::make_unique<std::vector<value_type>>().release());
+  RequireList();
   nodes_->push_back(node);
 }
 
 void ExpressionNodes::insert(iterator position, iterator first, iterator last) {
   if (first == last) return;
   const std::ptrdiff_t at = position - begin();
-  if (!nodes_) nodes_ = Nodes(std::make_unique<std::vector<value_type>>().release());
+  RequireList();
   nodes_->insert(nodes_->begin() + at, first, last);
 }
 
