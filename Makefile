@@ -26,7 +26,7 @@ sanitize:
 # Runs the benchmarks; `make bench FILTER=Kriging` only those that match.
 bench:
 	@scripts/build.sh release bench/all
-	@for program in out/release/bench/*/*_bench; do $$program --benchmark_filter='$(FILTER)'; done
+	@for program in $$(find out/release/bench -name '*_bench' -type f | sort); do $$program --benchmark_filter='$(FILTER)'; done
 
 # Tries published functions and rewrites the table of docs/accuracy.md; `make accuracy FILTER=Branin` only shows its rows.
 accuracy:
