@@ -55,9 +55,9 @@ class DifferencesOf : public ::testing::TestWithParam<Kind> {
     }
     const Matrix gradient = differences->ProvideGradientFromFnGDesigns(designs, Responses(designs));
     const Matrix apart = differences->ProvideDesignsForGradient(x, Vector::Constant(2, h));
-    EXPECT_EQ(
-        differences->ProvideGradientFromGDesigns(x, Responses(x.transpose()).transpose(), apart, Responses(apart)),
-        gradient);
+    const Matrix from_apart =
+        differences->ProvideGradientFromGDesigns(x, Responses(x.transpose()).transpose(), apart, Responses(apart));
+    EXPECT_TRUE(MatrixNear(from_apart, gradient, 1e-8));
     return (gradient - Gradient(x)).cwiseAbs().maxCoeff();
   }
 
