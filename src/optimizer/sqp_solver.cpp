@@ -9,6 +9,9 @@ constexpr double kEpsilon = std::numeric_limits<double>::epsilon();
 constexpr double kLargestPenalty = 1e8;  ///< above it the merit function is all constraints
 constexpr int kMaxRaises = 8;            ///< tenfold ones, of the penalties of an iteration
 
+/// Up to which violation a point counts as feasible: an accuracy of 0 leaves room for rounding.
+double AllowedViolation(double accuracy) { return std::max(accuracy, 10.0 * kEpsilon); }
+
 }  // namespace
 
 void SqpSolver::Step() {
@@ -64,7 +67,7 @@ void SqpSolver::Iterate() {
       KeepSolution(solution);
       if (IsOptimal()) return End(eIfail::kConverged);
       if (at_.iterations >= arg_.MAXIT) return End(eIfail::kIterationLimit);
-      const bool violated = Violation(at_.constraints, arg_.ME) > std::max(arg_.ACC, 10.0 * kEpsilon);
+      const bool violated = Violation(at_.constraints, arg_.ME) > AllowedViolation(arg_.ACC);
       if (violated && solution.relaxation > 1.0 - 1e-8) return End(eIfail::kInfeasible);
       if (FindDescent(solution)) return BeginLineSearch();
     }
@@ -151,9 +154,9 @@ void SqpSolver::RaisePenalties(double curvature, double relaxation) {
 void SqpSolver::Remember(Index column) {
   const auto constraints = arg_.G.col(column).head(m_);
   if (at_.has_best != 0) {
-    const double accuracy = std::max(arg_.ACC, 10.0 * kEpsilon);
-    const double violation = std::max(accuracy, Violation(constraints, arg_.ME));
-    const double best_violation = std::max(accuracy, Violation(at_.best_constraints, arg_.ME));
+    const double allowed = AllowedViolation(arg_.ACC);
+    const double violation = std::max(allowed, Violation(constraints, arg_.ME));
+    const double best_violation = std::max(allowed, Violation(at_.best_constraints, arg_.ME));
     const bool better =
         violation < best_violation || (violation == best_violation && arg_.F(column) < at_.best_objective);
     if (!better) return;
