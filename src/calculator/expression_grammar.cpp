@@ -1,6 +1,7 @@
 #include "calculator/expression_grammar.h"
 
 #include <algorithm>
+#include <array>
 #include <boost/spirit/include/classic_ast.hpp>
 #include <boost/spirit/include/classic_core.hpp>
 #include <charconv>
@@ -104,8 +105,13 @@ class ExpressionNodes {
   struct Recycle {
     [[gnu::noinline]] void operator()(List* nodes) const;
   };
-  /// Lists that are empty, with their memory, for the next matches.
-  static std::vector<std::unique_ptr<List>>& Spares();
+  /// Lists that are empty, with their memory, for the next matches. Of a fixed number, so that a destructor can put one
+  /// back without taking memory.
+  struct Spares {
+    std::array<std::unique_ptr<List>, 32> lists;
+    std::size_t count = 0;
+  };
+  static Spares& SparesOfThread();
   void RequireList();
 
   mutable std::unique_ptr<List, Recycle> nodes_;
@@ -123,27 +129,25 @@ struct tree_node<kestrel::calculator::NodeData> {
   children_t children;
 };
 
-std::vector<std::unique_ptr<ExpressionNodes::List>>& ExpressionNodes::Spares() {
-  thread_local std::vector<std::unique_ptr<List>> spares;
+ExpressionNodes::Spares& ExpressionNodes::SparesOfThread() {
+  thread_local Spares spares;
   return spares;
 }
 
 void ExpressionNodes::Recycle::operator()(List* nodes) const {
-  constexpr std::size_t kMostSpares = 32;
   constexpr std::size_t kMostNodes = 32;  // longer lists are rare
   std::unique_ptr<List> list(nodes);
   list->clear();
-  if (list->capacity() <= kMostNodes && Spares().size() < kMostSpares) Spares().push_back(std::move(list));
+  Spares& spares = SparesOfThread();
+  if (list->capacity() <= kMostNodes && spares.count < spares.lists.size()) {
+    spares.lists[spares.count++] = std::move(list);
+  }
 }
 
 void ExpressionNodes::RequireList() {
   if (nodes_) return;
-  if (Spares().empty()) {
-    nodes_.reset(std::make_unique<List>().release());
-  } else {
-    nodes_.reset(Spares().back().release());
-    Spares().pop_back();
-  }
+  Spares& spares = SparesOfThread();
+  nodes_.reset(spares.count == 0 ? std::make_unique<List>().release() : spares.lists[--spares.count].release());
 }
 
 ExpressionNodes::iterator ExpressionNodes::begin() const { return nodes_ ? nodes_->data() : nullptr; }
