@@ -398,9 +398,10 @@ CZORHandler::Parameters CZORHandler::GetAdaptedZORParameterManager() const {
   utils::log::LogDummy nobody;
   const double factor = advanced.adapt_bounds_safety_factor_;
   const Designs& designs = lyra_.GetDesignContainer();
-  const bool all_count = rows_.size() == designs.size();
-  const Parameters sampled = algorithm::datatypes::extractParametersFromDesigns(
-      all_count ? designs : SelectRows(designs, rows_), nobody, factor, factor);
+  const auto extract = [&](const Designs& from) {
+    return algorithm::datatypes::extractParametersFromDesigns(from, nobody, factor, factor);
+  };
+  const Parameters sampled = rows_.size() == designs.size() ? extract(designs) : extract(SelectRows(designs, rows_));
   Parameters adapted = parameters_;
   for (const std::wstring& name : adapted.GetNames()) {
     if (adapted.GetParameter(name).IsOptimization()) TakeBounds(sampled, name, adapted);

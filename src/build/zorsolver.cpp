@@ -186,19 +186,20 @@ math::Matrix ZORSolver::ApproximateDesigns(const math::MatrixIn& points, bool ex
 
 math::Matrix ZORSolver::ApproximateDesigns(const math::MatrixIn& points, eExtrapolationTypes type,
                                            bool throwing) const {
-  const bool is_complete = static_cast<std::size_t>(points.cols()) != derived_.parameter_names.size() ||
-                           !AnyDependent(lyra_.GetParameterManager());
-  if (!is_complete) {
-    return ApproximateComplete(WithDependentParameters(points), type, throwing);
-  }
-  return ApproximateComplete(points, type, throwing);
+  const bool fits = static_cast<std::size_t>(points.cols()) == derived_.parameter_names.size();
+  if (!fits || !AnyDependent(lyra_.GetParameterManager())) return ApproximateComplete(points, type, throwing);
+  return ApproximateComplete(WithDependentParameters(points), type, throwing);
 }
 
 math::Matrix ZORSolver::WithDependentParameters(const math::MatrixIn& points) const {
   DesignManager designs = algorithm::datatypes::CreateDesignsFromMatrices(derived_.parameter_names, points, {},
                                                                           math::Matrix(points.rows(), 0));
   calculator::Calculator calculator;
-  for (Design& design : designs) CalculateDependentParameters(design, lyra_.GetParameterManager(), calculator);
+  std::set<std::wstring> told;
+  for (Design& design : designs) {
+    CalculateDependentParameters(design, lyra_.GetParameterManager(), calculator);
+    TellOnce(design, told, *log_);
+  }
   return DesignsToRequestMatrix(designs);
 }
 
@@ -226,7 +227,6 @@ math::Matrix ZORSolver::ApproximateCriteria(const math::MatrixIn& points, const 
     algorithm::datatypes::compressResponses(designs);
     for (math::Index row = 0; row < rows; ++row) {
       Design& design = designs[static_cast<std::size_t>(row)];
-      CalculateDependentParameters(design, lyra_.GetParameterManager(), calculator);
       FillCriteria(design, calculator);
       math::Index column = 0;
       for (const auto& [name, criterion] : design.GetCriteria()) {

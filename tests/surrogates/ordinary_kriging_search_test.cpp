@@ -195,7 +195,7 @@ double WorkedSeconds(clockid_t clock) {
   return static_cast<double>(time.tv_sec) + 1e-9 * static_cast<double>(time.tv_nsec);
 }
 
-/// It takes some hundredths of a second, and several times as long under the sanitizers.
+/// It takes a few milliseconds here; a search that goes on takes seconds, and the sanitizers multiply both.
 TEST(KrigingSearch, EndsSoonAfterAStopRequest) {
   clockid_t searching{};
   ASSERT_EQ(pthread_getcpuclockid(pthread_self(), &searching), 0);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <functional>
 #include <limits>
 
 #include "datatypes/design_matrices.h"
@@ -54,7 +55,7 @@ Vector ElementsOf(const DesignManager& designs, const std::wstring& response, st
 template <class CountOf>
 bool HaveAsManyEntries(const DesignManager& designs, std::size_t names, CountOf count_of) {
   std::size_t entries = 0;
-  for (const Design& design : designs) entries += count_of(design);
+  for (const Design& design : designs) entries += std::invoke(count_of, design);
   return designs.empty() || names <= 2 * entries / designs.size();
 }
 
@@ -77,7 +78,7 @@ SupportData::SupportData(const DesignManager& designs, const ParameterManager& p
   }
   std::sort(names.begin(), names.end());
   names.erase(std::unique(names.begin(), names.end()), names.end());
-  if (HaveAsManyEntries(designs, names.size(), [](const Design& design) { return design.GetNumResponses(); })) {
+  if (HaveAsManyEntries(designs, names.size(), &Design::GetNumResponses)) {
     responses_ = ConvertScalarResponsesToMatrix(designs, names);
     response_names_ = NameIndex(names);
   }
@@ -88,8 +89,7 @@ bool SupportData::TakePoints(const SurrogateInfo& info) {
   if (names.empty()) names = VaryingParameters(parameters_);
   if (names.size() != info.GetSurrogate()->GetVariableSelection().size()) return false;
   if (names_ != names) {
-    if (!HaveAsManyEntries(designs_, names.size(), [](const Design& design) { return design.GetNumParameters(); }))
-      return false;
+    if (!HaveAsManyEntries(designs_, names.size(), &Design::GetNumParameters)) return false;
     points_ = ConvertParametersToMatrix(designs_, names);
     names_ = std::move(names);
   }
