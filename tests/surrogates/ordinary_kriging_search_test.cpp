@@ -195,7 +195,7 @@ double WorkedSeconds(clockid_t clock) {
   return static_cast<double>(time.tv_sec) + 1e-9 * static_cast<double>(time.tv_nsec);
 }
 
-/// It takes a few milliseconds here; a search that goes on takes seconds, and the sanitizers multiply both.
+/// It takes a few milliseconds, and several times as long under the sanitizers.
 TEST(KrigingSearch, EndsSoonAfterAStopRequest) {
   clockid_t searching{};
   ASSERT_EQ(pthread_getcpuclockid(pthread_self(), &searching), 0);
@@ -215,7 +215,7 @@ TEST(KrigingSearch, EndsSoonAfterAStopRequest) {
     EXPECT_THROW(kriging.BuildOptimal(SubsetsInTurn(400, 5)), utils::runtime_error);
     const double ended = WorkedSeconds(searching);
     stopper.join();
-    EXPECT_LT(ended - requested, 1.0);
+    EXPECT_LT(ended - requested, 0.2);
   }
 }
 
